@@ -1,0 +1,26 @@
+#pragma once
+// Settings that live as long as the test, and can be looked into.
+
+#include <map>
+#include <string>
+
+#include "Platform/UserDefaults.h"
+
+namespace cairnfield {
+
+class InMemoryUserDefaults final : public UserDefaults {
+public:
+    [[nodiscard]] std::optional<DefaultsValue> value(std::string_view key) const override {
+        const auto found = values.find(key);
+        if (found == values.end()) return std::nullopt;
+        return found->second;
+    }
+    void set(std::string_view key, DefaultsValue value) override { values.insert_or_assign(std::string(key), std::move(value)); }
+    void remove(std::string_view key) override {
+        if (const auto found = values.find(key); found != values.end()) values.erase(found);
+    }
+
+    std::map<std::string, DefaultsValue, std::less<>> values;
+};
+
+}  // namespace cairnfield
