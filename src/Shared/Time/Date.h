@@ -1,0 +1,37 @@
+#pragma once
+// Instants of the calendar, as the user's clock tells them, and their one text form in files. For waiting and
+// for time limits, which must not follow a clock that is set, see ContinuousClock in Shared/Concurrency.
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace cairnfield {
+
+using Date = std::chrono::system_clock::time_point;
+using Seconds = std::chrono::duration<double>;
+
+/// The current time as a service sees it; a test gives one that it can set. Callable from any thread.
+class WallClock {
+public:
+    virtual ~WallClock() = default;
+    [[nodiscard]] virtual Date now() const = 0;
+};
+
+class SystemWallClock final : public WallClock {
+public:
+    [[nodiscard]] Date now() const override { return std::chrono::system_clock::now(); }
+};
+
+/// "2026-11-21T14:50:47Z": UTC, the fraction of a second dropped towards the past.
+[[nodiscard]] std::string iso8601(Date date);
+
+/// Reads what iso8601 writes, and the other usual spellings: a fraction of a second (dropped) and a numeric
+/// zone. Absent for anything else, and for a date outside 1677 to 2262, which a Date cannot hold.
+[[nodiscard]] std::optional<Date> dateFromISO8601(std::string_view text);
+
+/// Seconds from `earlier` to `later`, negative when they stand the other way round.
+[[nodiscard]] double secondsBetween(Date earlier, Date later);
+
+}  // namespace cairnfield
