@@ -1,0 +1,28 @@
+#pragma once
+// Where the program keeps its files. A plain value made from the environment once, in Main; it works out
+// locations and touches nothing unless asked to.
+
+#include "Shared/Paths/FilePath.h"
+
+namespace cairnfield {
+
+class ApplicationSupport {
+public:
+    /// `dataHome` is the user's data folder, `configHome` that of settings. Ours lies inside each.
+    ApplicationSupport(const FilePath& dataHome, const FilePath& configHome);
+
+    /// The folder of the JSON files and the vault, named "Cairnfield".
+    [[nodiscard]] const FilePath& directory() const { return directory_; }
+    [[nodiscard]] FilePath recoveryVaultDirectory() const;  ///< inside `directory`
+    [[nodiscard]] FilePath settingsFile() const;
+
+    /// Creates the folder and its missing parents, readable by the user alone; one that is there is success.
+    /// Throws std::system_error.
+    static void ensureDirectory(const FilePath& directory);
+
+private:
+    FilePath directory_;
+    FilePath configDirectory_;
+};
+
+}  // namespace cairnfield
