@@ -1,0 +1,22 @@
+#pragma once
+// Starting another program that lives on its own: in a session of its own, not our child, with nothing of ours open. For
+// programs that a person uses; what we wait for and read goes through ChildProcess.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Shared/Paths/FilePath.h"
+
+namespace cairnfield {
+
+/// Returns once the program runs. It gets our environment, the default signals and no standard input. Throws
+/// std::system_error when it cannot be started: it is missing, or the working directory cannot be entered.
+void startDetached(const FilePath& executable, const std::vector<std::string>& arguments,
+                   const std::optional<FilePath>& workingDirectory);
+
+/// The first of the programs that is found in one of the directories, directories first to last for each program.
+[[nodiscard]] std::optional<FilePath> findProgram(const std::vector<std::string>& names,
+                                                  const std::vector<FilePath>& directories);
+
+}  // namespace cairnfield

@@ -1,0 +1,86 @@
+#include "Platform/Linux/Desktop/LinuxWorkspace.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <system_error>
+#include <utility>
+
+#include "Platform/Linux/Desktop/DetachedProgram.h"
+#include "Platform/Linux/Desktop/FileURI.h"
+#include "Shared/Logging/Log.h"
+
+namespace cairnfield {
+
+namespace {
+
+const QString fileManager = QStringLiteral("org.freedesktop.FileManager1");
+
+/// The desktop's choice, the distribution's choice, then what is common.
+const std::vector<std::string> terminals{
+    "xdg-terminal-exec", "x-terminal-emulator", "ptyxis",    "kgx",       "gnome-terminal", "konsole",
+    "xfce4-terminal",    "mate-terminal",       "qterminal", "lxterminal", "tilix",          "kitty",
+    "alacritty",         "foot",                "wezterm",   "xterm"};
+
+std::optional<std::string> started(const FilePath& program, const std::vector<std::string>& arguments,
+                                   const std::optional<FilePath>& workingDirectory) {
+    try {
+        startDetached(program, arguments, workingDirectory);
+        return std::nullopt;
+    } catch (const std::system_error& error) {
+        return program.display() + " could not be started: " + error.code().message();
+    }
+}
+
+}  // namespace
+
+std::vector<FilePath> LinuxWorkspace::standardPlaces() {
+    return {FilePath("/usr/local/bin"), FilePath("/usr/bin"), FilePath("/bin"), FilePath("/snap/bin")};
+}
+
+LinuxWorkspace::LinuxWorkspace(const QDBusConnection& bus, std::vector<FilePath> places)
+    : bus_(bus), places_(std::move(places)) {}
+
+std::optional<std::string> LinuxWorkspace::reveal(const FilePath& item) {
+    if (hasFileManagerOnBus()) {
+        askFileManager(item);
+        return std::nullopt;
+    }
+    return openFolder(item.parent());
+}
+
+bool LinuxWorkspace::hasFileManagerOnBus() const {
+    if (!bus_.isConnected()) return false;
+    QDBusConnectionInterface* const daemon = bus_.interface();
+    return daemon->isServiceRegistered(fileManager) || daemon->activatableServiceNames().value().contains(fileManager);
+}
+
+void LinuxWorkspace::askFileManager(const FilePath& item) {
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        fileManager, QStringLiteral("/org/freedesktop/FileManager1"), fileManager, QStringLiteral("ShowItems"));
+    question << QStringList{QString::fromStdString(fileURI(item))} << QString();
+    auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, item](QDBusPendingCallWatcher* finished) {
+        finished->deleteLater();
+        const QDBusPendingReply<> reply = *finished;
+        if (!reply.isError()) return;
+        if (const auto problem = openFolder(item.parent())) Log::app().error("{}", *problem);
+    });
+}
+
+std::optional<std::string> LinuxWorkspace::openFolder(const FilePath& folder) const {
+    if (const auto opener = findProgram({"xdg-open"}, places_)) return started(*opener, {fileURI(folder)}, std::nullopt);
+    if (const auto opener = findProgram({"gio"}, places_))
+        return started(*opener, {"open", fileURI(folder)}, std::nullopt);
+    return "No file manager was found.";
+}
+
+std::optional<std::string> LinuxWorkspace::openTerminal(const FilePath& directory) {
+    const auto terminal = findProgram(terminals, places_);
+    if (!terminal) return "No terminal was found.";
+    return started(*terminal, {}, directory);
+}
+
+}  // namespace cairnfield

@@ -1,0 +1,173 @@
+#include "Persistence/SettingsStore.h"
+#include "Platform/Linux/FileUserDefaults.h"
+#include "support/TemporaryDirectory.h"
+#include "support/UnprivilegedUser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <limits>
+
+namespace cairnfield {
+namespace {
+
+using testing::HasSubstr;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+std::optional<DefaultsValue> wrote(DefaultsValue value) {
+    return value;
+}
+
+TEST(FileUserDefaults, KeepsEachTypeApart) {
+    const TemporaryDirectory home;
+    const FilePath file = home.path().appending("config/Cairnfield/settings.json");
+    const std::vector<std::pair<std::string, DefaultsValue>> values{
+        {"bool", true},
+        {"integer", std::int64_t(30)},
+        {"largest", std::numeric_limits<std::int64_t>::max()},
+        {"smallest", std::numeric_limits<std::int64_t>::min()},
+        {"fraction", 0.1},
+        {"whole", 7.0},
+        {"text", std::string("cairnfield/recovery")},
+        {"bytes", std::string("/opt/caf\xE9/git")},
+        {"empty", std::string()},
+        {"data", DefaultsData{"\"smart\""}},
+        {"anyData", DefaultsData{"\0\xFF"s}}};
+    {
+        FileUserDefaults defaults(file);
+        for (const auto& [key, value] : values) defaults.set(key, value);
+        for (const auto& [key, value] : values) EXPECT_EQ(defaults.value(key), wrote(value)) << key;
+    }
+    const FileUserDefaults again(file);
+    for (const auto& [key, value] : values) EXPECT_EQ(again.value(key), wrote(value)) << key;
+}
+
+TEST(FileUserDefaults, WritesSortedIndentedJSONForTheUserAlone) {
+    const TemporaryDirectory home;
+    const FilePath file = home.path().appending("config/Cairnfield/settings.json");
+    FileUserDefaults defaults(file);
+    EXPECT_FALSE(fs::exists(file.bytes())) << "nothing was set";
+    defaults.set("thresholdMode", DefaultsData{"\"smart\""});
+    defaults.set("monitoringEnabled", true);
+    defaults.set("growthRelativeFraction", 1.0);
+    EXPECT_EQ(
+        contentOf(file),
+        "{\n  \"growthRelativeFraction\": 1.0,\n  \"monitoringEnabled\": true,\n  \"thresholdMode\": {\n"
+        "    \"data\": \"InNtYXJ0Ig==\"\n  }\n}\n");
+    EXPECT_EQ(fs::status(file.bytes()).permissions(), fs::perms(0600));
+    EXPECT_EQ(fs::status(file.parent().bytes()).permissions(), fs::perms(0700));
+}
+
+TEST(FileUserDefaults, ReadsAFileWrittenByHand) {
+    const TemporaryDirectory home;
+    const FileUserDefaults defaults(
+        home.write("settings.json", "{\"a\":true,\n\n\t\"b\" : 3 , \"c\":\"x\"}"));
+    EXPECT_EQ(defaults.value("a"), wrote(true));
+    EXPECT_EQ(defaults.value("b"), wrote(std::int64_t(3)));
+    EXPECT_EQ(defaults.value("c"), wrote("x"s));
+    EXPECT_EQ(defaults.value("d"), std::nullopt);
+}
+
+TEST(FileUserDefaults, RemovesAKey) {
+    const TemporaryDirectory home;
+    const FilePath file = home / "settings.json";
+    FileUserDefaults defaults(file);
+    defaults.set("a", true);
+    defaults.set("b", true);
+    defaults.remove("a");
+    defaults.remove("unknown");
+    EXPECT_EQ(defaults.value("a"), std::nullopt);
+    EXPECT_EQ(FileUserDefaults(file).value("a"), std::nullopt);
+    EXPECT_EQ(FileUserDefaults(file).value("b"), wrote(true));
+}
+
+TEST(FileUserDefaults, ReadsOddValuesAsAbsentAndKeepsThem) {
+    const TemporaryDirectory home;
+    const FilePath file = home.write(
+        "settings.json", R"({"list":[1],"nothing":null,"object":{"x":1},"notData":{"data":7},)"
+                         R"("badData":{"data":"!"},"mixed":{"data":"","x":1},"huge":18446744073709551615})");
+    FileUserDefaults defaults(file);
+    for (const char* key : {"list", "nothing", "object", "notData", "badData", "mixed", "huge"})
+        EXPECT_EQ(defaults.value(key), std::nullopt) << key;
+    defaults.set("ours", true);
+    EXPECT_THAT(contentOf(file), HasSubstr("18446744073709551615"));
+    EXPECT_THAT(contentOf(file), HasSubstr("\"nothing\": null"));
+}
+
+TEST(FileUserDefaults, LosesAGarbledFileOnlyAtTheNextWrite) {
+    for (const char* garbled : {"{\"a\":true", "[1,2]", "", "\xFF\xFE", "7"}) {
+        const TemporaryDirectory home;
+        const FilePath file = home.write("settings.json", garbled);
+        CaptureStderr();
+        FileUserDefaults defaults(file);
+        const std::string log = GetCapturedStderr();
+        EXPECT_THAT(log, HasSubstr("[persistence] Failed to decode settings.json: "));
+        EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+        EXPECT_EQ(defaults.value("a"), std::nullopt);
+        EXPECT_EQ(contentOf(file), garbled);
+        defaults.set("b", true);
+        EXPECT_EQ(FileUserDefaults(file).value("b"), wrote(true));
+    }
+}
+
+TEST(FileUserDefaults, StartsEmptyWithoutALogLine) {
+    const TemporaryDirectory home;
+    CaptureStderr();
+    const FileUserDefaults defaults(home.path().appending("missing/settings.json"));
+    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(defaults.value("a"), std::nullopt);
+}
+
+TEST(FileUserDefaults, RemovesWhatACrashLeft) {
+    const TemporaryDirectory home;
+    const FilePath leftover = home.write("settings.json.tmpAb3dE9");
+    const FileUserDefaults defaults(home / "settings.json");
+    EXPECT_FALSE(fs::exists(leftover.bytes()));
+}
+
+TEST(FileUserDefaults, KeepsAValueInForceThatItCannotWrite) {
+    const TemporaryDirectory home;
+    fs::permissions(home.path().bytes(), fs::perms(0755));
+    const FilePath file = home.write("settings.json", "{}");
+    const std::string outcome = asUnprivilegedUser([&] {
+        FileUserDefaults defaults(file);
+        defaults.set("a", true);
+        return defaults.value("a") == wrote(true) ? "in force"s : "lost"s;
+    });
+    EXPECT_EQ(outcome, "in force");
+    EXPECT_EQ(contentOf(file), "{}");
+}
+
+TEST(FileUserDefaults, CarriesEverySettingThroughARestart) {
+    const TemporaryDirectory home;
+    const FilePath file = home / "settings.json";
+    {
+        FileUserDefaults defaults(file);
+        SettingsStore settings(defaults);
+        settings.thresholdMode.set(ThresholdMode::absolute);
+        settings.warningPercentage.set(1);
+        settings.warningAbsoluteBytes.set(7);
+        settings.monitoringEnabled.set(false);
+        settings.recoveryBranchPrefix.set("mine");
+        settings.gitPathOverride.set("/opt/\xFF/git");
+        settings.gitHubCLIPathOverride.set("/opt/gh");
+        settings.gitHubCLIPathOverride.set(std::nullopt);
+    }
+    FileUserDefaults defaults(file);
+    const SettingsStore settings(defaults);
+    EXPECT_EQ(settings.thresholdMode.get(), ThresholdMode::absolute);
+    EXPECT_DOUBLE_EQ(settings.warningPercentage.get(), 1);
+    EXPECT_EQ(settings.warningAbsoluteBytes.get(), 7);
+    EXPECT_FALSE(settings.monitoringEnabled.get());
+    EXPECT_EQ(settings.recoveryBranchPrefix.get(), "mine");
+    EXPECT_EQ(settings.gitPathOverride.get(), "/opt/\xFF/git");
+    EXPECT_EQ(settings.gitHubCLIPathOverride.get(), std::nullopt);
+    EXPECT_TRUE(settings.createDraftPullRequests.get());
+}
+
+}  // namespace
+}  // namespace cairnfield
