@@ -1,0 +1,42 @@
+#pragma once
+// Every value that a screen shows, each telling its observers on the main thread when, and only when, it really changed.
+// Owned by AppModel alone; screens get it as a constant. Main thread only.
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Models/DirectoryScan.h"
+#include "Models/ProjectUsage.h"
+#include "Models/Storage.h"
+#include "Models/WatchedFolder.h"
+#include "Models/Worktree.h"
+#include "Services/GitHub/GitHubServicing.h"
+#include "Shared/Concurrency/Published.h"
+
+namespace cairnfield {
+
+struct AppState {
+    Published<std::optional<StorageSnapshot>> storage;  ///< the last good reading of the volume
+    Published<bool> isMonitoring{false};                ///< not the stored setting of nearly the same name
+    Published<std::optional<std::string>> lastStorageError;
+
+    Published<std::vector<WatchedFolder>> watchedFolders;  ///< a copy of what the store holds
+    Published<std::map<UUID, DirectoryScanResult>> folderScanResults;  ///< of this run of the program
+    Published<std::set<UUID>> scanningFolderIDs;
+    Published<std::optional<std::string>> folderError;  ///< why the last folder could not be added or removed
+
+    Published<std::vector<Worktree>> worktrees;  ///< of the last refresh, in the catalog's order
+    Published<bool> isRefreshingWorktrees{false};
+    Published<std::optional<Date>> lastWorktreeRefresh;
+    Published<std::optional<std::string>> worktreeRefreshError;
+    Published<std::optional<SizingProgress>> sizingProgress;  ///< absent when nothing is being sized
+
+    Published<std::optional<std::string>> gitStatusMessage;  ///< why git is unusable; absent when it was found
+    Published<std::optional<FilePath>> gitPath;              ///< where git was found
+    Published<GitHubIntegrationStatus> githubStatus{GitHubIntegrationStatus::unavailable()};
+};
+
+}  // namespace cairnfield
