@@ -1,0 +1,110 @@
+#include "driver/Commands.h"
+
+#include "Services/Git/GitPorcelainParser.h"
+#include "driver/ModelCommands.h"
+#include "driver/Program.h"
+
+#include <iostream>
+#include <iterator>
+#include <map>
+
+namespace cairnfield {
+
+namespace {
+
+using Command = std::function<void(const Settle&, JsonLines&)>;
+using ModelWork = std::function<Task<>(AppModel&, JsonLines&)>;
+
+/// A command that needs the program: starts it, does the work, ends it.
+Command onModel(ModelWork work) {
+    return [work = std::move(work)](const Settle& settle, JsonLines& lines) {
+        Program program(settle);
+        program.run([&](AppModel& model) { return work(model, lines); });
+    };
+}
+
+Command addCommand(Words words) {
+    std::vector<FilePath> roots = words.takePaths("ROOT");
+    return onModel([roots](AppModel& model, JsonLines& lines) { return addFolders(model, lines, roots); });
+}
+
+Command foldersCommand(const Words& words) {
+    words.end();
+    return onModel([](AppModel& model, JsonLines& lines) { return listFolders(model, lines); });
+}
+
+Command removeCommand(Words words) {
+    const std::string word = words.take("ID");
+    words.end();
+    const std::optional<UUID> id = UUID::parse(word);
+    if (!id) throw WrongWords("not an identifier: " + word);
+    return onModel([id](AppModel& model, JsonLines& lines) { return removeFolder(model, lines, *id); });
+}
+
+Command scanCommand(Words words) {
+    const bool fresh = words.takeOption("--fresh");
+    FilePath path = words.takePath("PATH");
+    return onModel([path, fresh](AppModel& model, JsonLines& lines) {
+        return scanDirectory(model, lines, path, fresh);
+    });
+}
+
+Command inspectCommand(Words words) {
+    InspectWords inspect;
+    for (const std::string& pin : words.takeValues("--pin")) inspect.pins.push_back(absolutePath(pin));
+    inspect.sizes = words.takeOption("--sizes");
+    inspect.pullRequests = words.takeOption("--pull-requests");
+    inspect.roots = words.takePaths("ROOT");
+    return onModel(
+        [inspect](AppModel& model, JsonLines& lines) { return inspectWorktrees(model, lines, inspect); });
+}
+
+Command integrationsCommand(const Words& words) {
+    words.end();
+    return onModel([](AppModel& model, JsonLines& lines) { return showIntegrations(model, lines); });
+}
+
+Json parsed(const std::string& what, const std::string& bytes) {
+    if (what == "status") return GitPorcelainParser::parseStatus(bytes);
+    if (what == "worktree-list") return {{"entries", GitPorcelainParser::parseWorktreeList(bytes)}};
+    return {{"submodulesNeedReview", GitPorcelainParser::submodulesNeedReview(bytes)}};
+}
+
+Command parseCommand(Words words) {
+    std::string what = words.take("status, worktree-list or submodules");
+    words.end();
+    if (what != "status" && what != "worktree-list" && what != "submodules")
+        throw WrongWords("nothing to parse is called " + what);
+    return [what](const Settle&, JsonLines& lines) {
+        const std::string bytes(std::istreambuf_iterator<char>(std::cin), {});
+        lines.print("result", parsed(what, bytes));
+    };
+}
+
+}  // namespace
+
+Command commandFrom(Words words) {
+    static const std::map<std::string, Command (*)(Words)> commands{
+        {"add", addCommand},         {"folders", [](Words rest) { return foldersCommand(rest); }},
+        {"remove", removeCommand},   {"scan", scanCommand},
+        {"inspect", inspectCommand}, {"integrations", [](Words rest) { return integrationsCommand(rest); }},
+        {"parse", parseCommand},
+    };
+    const std::string name = words.take("a command");
+    const auto found = commands.find(name);
+    if (found == commands.end()) throw WrongWords("unknown command: " + name);
+    return found->second(std::move(words));
+}
+
+std::string usage() {
+    return "Usage: cairnfield-driver [--set KEY=JSON]... COMMAND\n"
+           "  add ROOT...\n"
+           "  folders\n"
+           "  remove ID\n"
+           "  scan PATH [--fresh]\n"
+           "  inspect ROOT... [--pin PATH]... [--sizes] [--pull-requests]\n"
+           "  integrations\n"
+           "  parse status|worktree-list|submodules\n";
+}
+
+}  // namespace cairnfield
