@@ -1,0 +1,184 @@
+// One refresh of a main worktree and 40 linked ones beside a bare loop that spawns the same git commands one
+// after the other, reads what they print and waits. To hold: at most 1.08 of the loop's wall and processor
+// time. The repository is made anew in a temporary directory: 3,000 files, and worktrees that are clean,
+// edited, or hold untracked and ignored files.
+
+#include "Platform/Linux/LinuxChildProcess.h"
+#include "Platform/Linux/LinuxTreeMeasurer.h"
+#include "Services/FileSystem/DirectorySizeScanner.h"
+#include "Services/Git/GitWorktreeInspector.h"
+#include "Services/Git/WorktreeCatalog.h"
+#include "Services/Process/ExecutableLocator.h"
+#include "Services/Process/SystemProcessRunner.h"
+#include "Shared/Concurrency/Reactor.h"
+#include "Shared/Concurrency/RunBlocking.h"
+#include "Shared/Concurrency/ThreadPool.h"
+#include "SideBySide.h"
+#include "support/GitRepository.h"
+#include "support/RecordingProcessRunner.h"
+#include "support/TemporaryDirectory.h"
+
+#include <sys/wait.h>
+
+#include <array>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace {
+
+using namespace cairnfield;
+
+constexpr int linkedWorktrees = 40;
+constexpr int directories = 100;
+constexpr int filesInEach = 30;
+constexpr int rounds = 9;
+
+void makeProject(const TemporaryDirectory& home) {
+    const GitRepository seed = GitRepository::create(home / "seed");
+    for (int directory = 0; directory < directories; ++directory) {
+        for (int file = 0; file < filesInEach; ++file) {
+            const std::string name =
+                "module" + std::to_string(directory) + "/file" + std::to_string(file) + ".cpp";
+            seed.write(name, "// " + name + "\n" + std::string(1'500, 'x') + "\n");
+        }
+    }
+    seed.commit("Begin");
+    seed.git({"clone", "--quiet", "--bare", seed.path().bytes(), (home / "hub.git").bytes()});
+    const GitRepository project = GitRepository::at(home / "hub.git").cloneTo(home / "root/project");
+    for (const char* pattern : {"node_modules/", "*.log", ".env"}) project.ignore(pattern);
+    for (int number = 0; number < linkedWorktrees; ++number) {
+        const std::string branch = "feature-" + std::to_string(number);
+        const GitRepository tree = project.addWorktree(home / ("root/" + branch), branch);
+        if (number % 2 == 0) tree.commitFile("done.txt", branch);
+        if (number % 4 == 0) tree.publish();
+        if (number % 3 == 0) tree.write("module1/file1.cpp", "edited\n");
+        if (number % 5 == 0) tree.write("notes/untracked.txt");
+        for (int file = 0; file < 200; ++file) tree.write("node_modules/p/" + std::to_string(file) + ".js");
+        tree.write("build.log");
+        if (number % 7 == 0) tree.write(".env");
+    }
+}
+
+/// The services as the program composes them.
+struct Services {
+    ThreadPool pool{2};
+    ThreadPool blocking{1};
+    ThreadPool walking{2};
+    Reactor reactor;
+    ReactorClock continuousClock{reactor};
+    SystemWallClock wallClock;
+    LinuxChildProcessStarter starter{reactor};
+    SystemProcessRunner processes{starter, continuousClock, pool};
+    RecordingProcessRunner recorder{processes};
+    LinuxTreeMeasurer measurer{walking, wallClock};
+    DirectorySizeScanner scanner{pool, walking, measurer, wallClock};
+    FileSystemActivityDetector detector{wallClock};
+
+    std::vector<Worktree> refresh(ProcessRunning& runner, const FilePath& root) {
+        const GitCommandRunner git(runner, ExecutableLocator(std::nullopt, std::nullopt).locateGit());
+        WorktreeCatalog catalog(pool, std::make_unique<RepositoryDiscoveryService>(blocking),
+                                std::make_unique<GitWorktreeInspector>(git, scanner, detector), git);
+        return runBlocking(catalog.refresh({root}, {}));
+    }
+};
+
+/// A command in the form that posix_spawn takes, made before any time is measured.
+class RawCommand {
+public:
+    explicit RawCommand(const CommandInvocation& invocation)
+        : program_(invocation.executableURL.bytes()), directory_(invocation.currentDirectory->bytes()) {
+        texts_.push_back(program_);
+        for (const std::string& argument : invocation.arguments) texts_.push_back(argument);
+        for (const auto& [key, value] : invocation.environment) variables_.push_back(key + "=" + value);
+    }
+
+    void run() const {
+        std::array<int, 2> output{};
+        std::array<int, 2> error{};
+        if (pipe2(output.data(), O_CLOEXEC) != 0 || pipe2(error.data(), O_CLOEXEC) != 0)
+            throw std::runtime_error("pipe2");
+        posix_spawn_file_actions_t actions{};
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addchdir_np(&actions, directory_.c_str());
+        posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, error[1], STDERR_FILENO);
+        pid_t child = -1;
+        const int failed = posix_spawn(&child, program_.c_str(), &actions, nullptr, pointers(texts_).data(),
+                                       pointers(variables_).data());
+        posix_spawn_file_actions_destroy(&actions);
+        close(output[1]);
+        close(error[1]);
+        readBothToEnd(output[0], error[0]);
+        int status = 0;
+        if (failed != 0 || waitpid(child, &status, 0) != child)
+            throw std::runtime_error("the raw command failed");
+    }
+
+private:
+    static std::vector<char*> pointers(const std::vector<std::string>& texts) {
+        std::vector<char*> all;
+        for (const std::string& text : texts) all.push_back(const_cast<char*>(text.c_str()));
+        all.push_back(nullptr);
+        return all;
+    }
+
+    static void readBothToEnd(int output, int error) {
+        std::string bytes;
+        std::array<char, 65536> block;
+        std::array<pollfd, 2> streams{pollfd{output, POLLIN, 0}, pollfd{error, POLLIN, 0}};
+        for (int open = 2; open > 0;) {
+            if (poll(streams.data(), streams.size(), -1) < 0) continue;
+            for (pollfd& stream : streams) {
+                if (stream.revents == 0) continue;
+                const ssize_t count = read(stream.fd, block.data(), block.size());
+                if (count > 0) {
+                    bytes.append(block.data(), static_cast<std::size_t>(count));
+                    continue;
+                }
+                close(stream.fd);
+                stream.fd = -1;
+                --open;
+            }
+        }
+        benchmark::DoNotOptimize(bytes);
+    }
+
+    std::string program_;
+    std::string directory_;
+    std::vector<std::string> texts_;
+    std::vector<std::string> variables_;
+};
+
+void refreshBesideBareLoop(benchmark::State& state) {
+    const TemporaryDirectory home;
+    makeProject(home);
+    const FilePath root = home / "root";
+    Services services;
+    const std::size_t found = services.refresh(services.recorder, root).size();
+    std::vector<RawCommand> commands;
+    for (const CommandInvocation& command : services.recorder.take()) commands.emplace_back(command);
+    if (found != linkedWorktrees + 1) throw std::runtime_error("the refresh missed a worktree");
+
+    const auto ours = [&services, &root, found] {
+        if (services.refresh(services.processes, root).size() != found)
+            throw std::runtime_error("a worktree is missing");
+    };
+    const auto bare = [&commands] {
+        for (const RawCommand& command : commands) command.run();
+    };
+    measureSideBySide(state, ours, bare);
+    state.counters["commands"] = static_cast<double>(commands.size());
+}
+
+}  // namespace
+
+BENCHMARK(refreshBesideBareLoop)
+    ->Name("refresh of 1 main and 40 linked worktrees, against a bare loop of the same commands")
+    ->Iterations(rounds)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
