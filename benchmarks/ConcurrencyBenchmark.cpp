@@ -62,6 +62,7 @@ Task<> nothing() {
 Task<> waitForManyAtOnce(benchmark::State* state) {
     for (auto _ : *state) {
         std::vector<Task<>> all;
+        all.reserve(100);
         for (int i = 0; i < 100; ++i) all.push_back(nothing());
         co_await whenAll(std::move(all));
     }

@@ -38,6 +38,7 @@ function(cairnfield_qml_module name)
     OUTPUT_DIRECTORY "${CAIRNFIELD_QML_DIRECTORY}/Cairnfield/${name}"
     IMPORT_PATH "${CAIRNFIELD_QML_DIRECTORY}"
     PLUGIN_TARGET ${target}plugin
+    DEPENDENCIES QtQuick
     QML_FILES ${ARG_SINGLETONS} ${ARG_QML}
     RESOURCES ${ARG_RESOURCES}
     ${CAIRNFIELD_QML_NO_CACHE})

@@ -13,7 +13,8 @@ FilePath homeOfAccount() {
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;
-    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found) return FilePath("/");
+    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found)
+        return FilePath("/");
     return FilePath(entry.pw_dir);
 }
 

@@ -1,12 +1,12 @@
 #pragma once
-// Where this user keeps data and settings, by the base directory rules of the desktops. Worked out once at start, from the
-// environment; nothing is created.
+// Where this user keeps data and settings, by the base directory rules of the desktops. Worked out once at
+// start, from the environment; nothing is created.
+
+#include "Shared/Paths/FilePath.h"
 
 #include <functional>
 #include <optional>
 #include <string>
-
-#include "Shared/Paths/FilePath.h"
 
 namespace cairnfield {
 

@@ -31,7 +31,8 @@ TEST(BaseDirectories, AreWhatTheEnvironmentSays) {
 }
 
 TEST(BaseDirectories, IgnoreRelativeAndEmptyValues) {
-    const BaseDirectories directories = from({{"HOME", "/home/a"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", ""}});
+    const BaseDirectories directories =
+        from({{"HOME", "/home/a"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", ""}});
     EXPECT_EQ(directories.dataHome, FilePath("/home/a/.local/share"));
     EXPECT_EQ(directories.configHome, FilePath("/home/a/.config"));
 }

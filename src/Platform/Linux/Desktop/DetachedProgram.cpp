@@ -1,14 +1,15 @@
 #include "Platform/Linux/Desktop/DetachedProgram.h"
 
+#include "Shared/Concurrency/FileDescriptor.h"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
-
-#include "Shared/Concurrency/FileDescriptor.h"
 
 namespace cairnfield {
 
@@ -74,12 +75,14 @@ void startDetached(const FilePath& executable, const std::vector<std::string>& a
     if (got == static_cast<ssize_t>(sizeof error)) throw std::system_error(error, std::generic_category());
 }
 
-std::optional<FilePath> findProgram(const std::vector<std::string>& names, const std::vector<FilePath>& directories) {
+std::optional<FilePath> findProgram(const std::vector<std::string>& names,
+                                    const std::vector<FilePath>& directories) {
     for (const std::string& name : names) {
         for (const FilePath& directory : directories) {
             FilePath program = directory.appending(name);
-            struct stat facts {};
-            if (::stat(program.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) && ::access(program.c_str(), X_OK) == 0)
+            struct stat facts{};
+            if (::stat(program.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+                ::access(program.c_str(), X_OK) == 0)
                 return program;
         }
     }

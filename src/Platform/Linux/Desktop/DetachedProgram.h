@@ -1,12 +1,12 @@
 #pragma once
-// Starting another program that lives on its own: in a session of its own, not our child, with nothing of ours open. For
-// programs that a person uses; what we wait for and read goes through ChildProcess.
+// Starting another program that lives on its own: in a session of its own, not our child, with nothing of
+// ours open. For programs that a person uses; what we wait for and read goes through ChildProcess.
+
+#include "Shared/Paths/FilePath.h"
 
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "Shared/Paths/FilePath.h"
 
 namespace cairnfield {
 
@@ -15,7 +15,8 @@ namespace cairnfield {
 void startDetached(const FilePath& executable, const std::vector<std::string>& arguments,
                    const std::optional<FilePath>& workingDirectory);
 
-/// The first of the programs that is found in one of the directories, directories first to last for each program.
+/// The first of the programs that is found in one of the directories, directories first to last for each
+/// program.
 [[nodiscard]] std::optional<FilePath> findProgram(const std::vector<std::string>& names,
                                                   const std::vector<FilePath>& directories);
 

@@ -5,8 +5,7 @@
 namespace cairnfield {
 
 std::string fileURI(const FilePath& path) {
-    constexpr std::string_view plain =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
+    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string uri = "file://";
     for (const char character : path.bytes()) {

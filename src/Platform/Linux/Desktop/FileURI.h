@@ -1,9 +1,10 @@
 #pragma once
-// The address of a file for other programs. Made from the path's bytes, so that every name survives, valid text or not.
-
-#include <string>
+// The address of a file for other programs. Made from the path's bytes, so that every name survives, valid
+// text or not.
 
 #include "Shared/Paths/FilePath.h"
+
+#include <string>
 
 namespace cairnfield {
 

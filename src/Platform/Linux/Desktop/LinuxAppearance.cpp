@@ -1,5 +1,7 @@
 #include "Platform/Linux/Desktop/LinuxAppearance.h"
 
+#include "Platform/Linux/Desktop/PortalSettings.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -10,8 +12,6 @@
 #include <QTimer>
 
 #include <utility>
-
-#include "Platform/Linux/Desktop/PortalSettings.h"
 
 namespace cairnfield {
 

@@ -1,6 +1,9 @@
 #pragma once
-// Looks as the desktop portal tells them, and changes of them while we run; without a portal, light or dark as the palette
-// is. Asks once, without waiting: until the answer comes the palette counts. Main thread only; never fails.
+// Looks as the desktop portal tells them, and changes of them while we run; without a portal, light or dark
+// as the palette is. Asks once, without waiting: until the answer comes the palette counts. Main thread only;
+// never fails.
+
+#include "Platform/Appearance.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -8,8 +11,6 @@
 
 #include <chrono>
 #include <functional>
-
-#include "Platform/Appearance.h"
 
 namespace cairnfield {
 
@@ -22,8 +23,8 @@ public:
     [[nodiscard]] AppearanceSettings settings() const override { return settings_; }
     void onChange(std::function<void()> observer) override { observer_ = std::move(observer); }
 
-    /// Calls back once, from the event loop: when the portal has answered or turned out to be missing, at the latest after
-    /// `limit`. One caller at a time.
+    /// Calls back once, from the event loop: when the portal has answered or turned out to be missing, at the
+    /// latest after `limit`. One caller at a time.
     void whenSettled(std::chrono::milliseconds limit, std::function<void()> callback);
 
 private slots:

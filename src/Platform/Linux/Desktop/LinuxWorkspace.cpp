@@ -1,5 +1,9 @@
 #include "Platform/Linux/Desktop/LinuxWorkspace.h"
 
+#include "Platform/Linux/Desktop/DetachedProgram.h"
+#include "Platform/Linux/Desktop/FileURI.h"
+#include "Shared/Logging/Log.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -8,10 +12,6 @@
 #include <system_error>
 #include <utility>
 
-#include "Platform/Linux/Desktop/DetachedProgram.h"
-#include "Platform/Linux/Desktop/FileURI.h"
-#include "Shared/Logging/Log.h"
-
 namespace cairnfield {
 
 namespace {
@@ -19,10 +19,22 @@ namespace {
 const QString fileManager = QStringLiteral("org.freedesktop.FileManager1");
 
 /// The desktop's choice, the distribution's choice, then what is common.
-const std::vector<std::string> terminals{
-    "xdg-terminal-exec", "x-terminal-emulator", "ptyxis",    "kgx",       "gnome-terminal", "konsole",
-    "xfce4-terminal",    "mate-terminal",       "qterminal", "lxterminal", "tilix",          "kitty",
-    "alacritty",         "foot",                "wezterm",   "xterm"};
+const std::vector<std::string> terminals{"xdg-terminal-exec",
+                                         "x-terminal-emulator",
+                                         "ptyxis",
+                                         "kgx",
+                                         "gnome-terminal",
+                                         "konsole",
+                                         "xfce4-terminal",
+                                         "mate-terminal",
+                                         "qterminal",
+                                         "lxterminal",
+                                         "tilix",
+                                         "kitty",
+                                         "alacritty",
+                                         "foot",
+                                         "wezterm",
+                                         "xterm"};
 
 std::optional<std::string> started(const FilePath& program, const std::vector<std::string>& arguments,
                                    const std::optional<FilePath>& workingDirectory) {
@@ -54,24 +66,28 @@ std::optional<std::string> LinuxWorkspace::reveal(const FilePath& item) {
 bool LinuxWorkspace::hasFileManagerOnBus() const {
     if (!bus_.isConnected()) return false;
     QDBusConnectionInterface* const daemon = bus_.interface();
-    return daemon->isServiceRegistered(fileManager) || daemon->activatableServiceNames().value().contains(fileManager);
+    return daemon->isServiceRegistered(fileManager) ||
+           daemon->activatableServiceNames().value().contains(fileManager);
 }
 
 void LinuxWorkspace::askFileManager(const FilePath& item) {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        fileManager, QStringLiteral("/org/freedesktop/FileManager1"), fileManager, QStringLiteral("ShowItems"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(fileManager, QStringLiteral("/org/freedesktop/FileManager1"),
+                                       fileManager, QStringLiteral("ShowItems"));
     question << QStringList{QString::fromStdString(fileURI(item))} << QString();
     auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, item](QDBusPendingCallWatcher* finished) {
-        finished->deleteLater();
-        const QDBusPendingReply<> reply = *finished;
-        if (!reply.isError()) return;
-        if (const auto problem = openFolder(item.parent())) Log::app().error("{}", *problem);
-    });
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, item](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusPendingReply<> reply = *finished;
+                if (!reply.isError()) return;
+                if (const auto problem = openFolder(item.parent())) Log::app().error("{}", *problem);
+            });
 }
 
 std::optional<std::string> LinuxWorkspace::openFolder(const FilePath& folder) const {
-    if (const auto opener = findProgram({"xdg-open"}, places_)) return started(*opener, {fileURI(folder)}, std::nullopt);
+    if (const auto opener = findProgram({"xdg-open"}, places_))
+        return started(*opener, {fileURI(folder)}, std::nullopt);
     if (const auto opener = findProgram({"gio"}, places_))
         return started(*opener, {"open", fileURI(folder)}, std::nullopt);
     return "No file manager was found.";

@@ -1,13 +1,13 @@
 #pragma once
-// Showing places in the desktop's file manager and terminal. Programs are found in fixed places, started without a shell,
-// and live on when we end.
+// Showing places in the desktop's file manager and terminal. Programs are found in fixed places, started
+// without a shell, and live on when we end.
+
+#include "Platform/Workspace.h"
 
 #include <QDBusConnection>
 #include <QObject>
 
 #include <vector>
-
-#include "Platform/Workspace.h"
 
 namespace cairnfield {
 
@@ -20,8 +20,8 @@ public:
 
     LinuxWorkspace(const QDBusConnection& bus, std::vector<FilePath> places);
 
-    /// Over the bus where a file manager serves it; when that fails later, the folder is opened and a failure of that is in
-    /// the log.
+    /// Over the bus where a file manager serves it; when that fails later, the folder is opened and a failure
+    /// of that is in the log.
     std::optional<std::string> reveal(const FilePath& item) override;
     std::optional<std::string> openTerminal(const FilePath& directory) override;
 

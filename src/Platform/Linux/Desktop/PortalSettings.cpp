@@ -12,7 +12,8 @@ namespace cairnfield {
 namespace {
 
 QVariant unwrapped(QVariant value) {
-    while (value.metaType() == QMetaType::fromType<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+    while (value.metaType() == QMetaType::fromType<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
     return value;
 }
 
@@ -39,11 +40,13 @@ AppearanceSettings withPortalSetting(AppearanceSettings settings, const QString&
                                      const QVariant& value) {
     const QVariant plain = unwrapped(value);
     if (space == QLatin1String("org.freedesktop.appearance")) {
-        if (key == QLatin1String("color-scheme") && plain.toUInt() != 0) settings.isDark = plain.toUInt() == 1;
+        if (key == QLatin1String("color-scheme") && plain.toUInt() != 0)
+            settings.isDark = plain.toUInt() == 1;
         if (key == QLatin1String("contrast")) settings.prefersHighContrast = plain.toUInt() == 1;
         if (key == QLatin1String("reduced-motion")) settings.prefersReducedMotion = plain.toUInt() == 1;
         if (key == QLatin1String("accent-color")) settings.accentColor = colorFrom(plain);
-    } else if (space == QLatin1String("org.gnome.desktop.interface") && key == QLatin1String("enable-animations")) {
+    } else if (space == QLatin1String("org.gnome.desktop.interface") &&
+               key == QLatin1String("enable-animations")) {
         settings.prefersReducedMotion = !plain.toBool();
     }
     return settings;

@@ -106,8 +106,12 @@ void makeWideLevels(const FilePath& root, int levels, int width, std::size_t nam
     const std::string name(nameLength, 's');
     OpenFolder folder(root);
     for (int level = 0; level < levels; ++level) {
-        for (int i = 0; i < width; ++i) static_cast<void>(folder.makeFolder(name + std::to_string(i)));
-        folder = folder.makeFolder("level");
+        // The next level in the middle: whichever end a walk begins at, half of the others wait meanwhile.
+        for (int i = 0; i < width / 2; ++i) static_cast<void>(folder.makeFolder(name + std::to_string(i)));
+        OpenFolder next = folder.makeFolder("level");
+        for (int i = width / 2; i < width; ++i)
+            static_cast<void>(folder.makeFolder(name + std::to_string(i)));
+        folder = std::move(next);
     }
 }
 

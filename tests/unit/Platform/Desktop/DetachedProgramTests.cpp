@@ -1,18 +1,17 @@
 #include "Platform/Linux/Desktop/DetachedProgram.h"
+#include "Shared/Concurrency/FileDescriptor.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
 #include <fstream>
 #include <poll.h>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-
-#include "Shared/Concurrency/FileDescriptor.h"
-#include "support/TemporaryDirectory.h"
 
 namespace cairnfield {
 namespace {
@@ -45,7 +44,8 @@ TEST(DetachedProgram, RunsInTheFolderWithItsArgumentsAndNotAsOurChild) {
     const FilePath pipe = directory.path().appending("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     const FilePath program = directory.path().appending("program");
-    writeProgram(program, "#!/bin/sh\nexec >'" + pipe.bytes() + "'\npwd\nprintf '%s\\n' \"$1\" \"$(ps -o ppid= -p $$)\"\n");
+    writeProgram(program, "#!/bin/sh\nexec >'" + pipe.bytes() +
+                              "'\npwd\nprintf '%s\\n' \"$1\" \"$(ps -o ppid= -p $$)\"\n");
     const FileDescriptor reading(::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
 
     startDetached(program, {"$(touch x); 'y'"}, folder);
@@ -64,7 +64,8 @@ TEST(DetachedProgram, TellsWhyAProgramCannotBeStarted) {
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.code().value(), ENOENT);
     }
-    EXPECT_THROW(startDetached(FilePath("/bin/true"), {}, directory.path().appending("missing")), std::system_error);
+    EXPECT_THROW(startDetached(FilePath("/bin/true"), {}, directory.path().appending("missing")),
+                 std::system_error);
 }
 
 TEST(DetachedProgram, IsFoundByNameBeforePlace) {

@@ -10,7 +10,9 @@ namespace {
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 
-QVariant wrapped(const QVariant& value) { return QVariant::fromValue(QDBusVariant(value)); }
+QVariant wrapped(const QVariant& value) {
+    return QVariant::fromValue(QDBusVariant(value));
+}
 
 TEST(PortalSettings, ReadDarkAndLight) {
     EXPECT_TRUE(withPortalSetting({}, appearance, "color-scheme", 1U).isDark);
@@ -28,9 +30,11 @@ TEST(PortalSettings, UnwrapAnyNumberOfVariants) {
 
 TEST(PortalSettings, ReadContrastAndMotion) {
     EXPECT_TRUE(withPortalSetting({}, appearance, "contrast", 1U).prefersHighContrast);
-    EXPECT_FALSE(withPortalSetting({.prefersHighContrast = true}, appearance, "contrast", 0U).prefersHighContrast);
+    EXPECT_FALSE(
+        withPortalSetting({.prefersHighContrast = true}, appearance, "contrast", 0U).prefersHighContrast);
     EXPECT_TRUE(withPortalSetting({}, gnome, "enable-animations", false).prefersReducedMotion);
-    EXPECT_FALSE(withPortalSetting({.prefersReducedMotion = true}, gnome, "enable-animations", true).prefersReducedMotion);
+    EXPECT_FALSE(withPortalSetting({.prefersReducedMotion = true}, gnome, "enable-animations", true)
+                     .prefersReducedMotion);
 }
 
 TEST(PortalSettings, IgnoreWhatMeansNothingHere) {
@@ -40,7 +44,8 @@ TEST(PortalSettings, IgnoreWhatMeansNothingHere) {
 }
 
 TEST(PortalSettings, TakeAnAccentOfAnotherKindForNone) {
-    EXPECT_EQ(withPortalSetting({.accentColor = 0x123456}, appearance, "accent-color", QStringLiteral("blue")).accentColor,
+    EXPECT_EQ(withPortalSetting({.accentColor = 0x123456}, appearance, "accent-color", QStringLiteral("blue"))
+                  .accentColor,
               std::nullopt);
 }
 

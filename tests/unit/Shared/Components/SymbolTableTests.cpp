@@ -1,4 +1,5 @@
 #include "Shared/Components/SymbolTable.h"
+#include "Shared/Components/Symbols.h"
 
 #include <QFile>
 #include <QImage>
@@ -10,13 +11,13 @@
 #include <set>
 #include <string>
 
-#include "Shared/Components/Symbols.h"
-
 namespace cairnfield {
 namespace {
 
 QString resource(std::string_view symbolName) {
-    return ":" + Symbols::source(QString::fromUtf8(symbolName.data(), static_cast<qsizetype>(symbolName.size()))).path();
+    return ":" +
+           Symbols::source(QString::fromUtf8(symbolName.data(), static_cast<qsizetype>(symbolName.size())))
+               .path();
 }
 
 /// The bounds of what is drawn at 160 pixels, ten for each unit of the grid.
@@ -62,19 +63,58 @@ TEST(SymbolTable, DrawsLinesInBlackAlone) {
 
 TEST(SymbolTable, NamesEachSymbolOnce) {
     std::set<std::string> names;
-    for (const SymbolFile& symbol : symbolFiles()) EXPECT_TRUE(names.emplace(symbol.symbolName).second) << symbol.symbolName;
+    for (const SymbolFile& symbol : symbolFiles())
+        EXPECT_TRUE(names.emplace(symbol.symbolName).second) << symbol.symbolName;
 }
 
 TEST(SymbolTable, KnowsEverySymbolThatTheProgramShows) {
-    for (const std::string_view name :
-         {"archivebox", "arrow.clockwise", "arrow.down.circle", "arrow.down.right", "arrow.triangle.branch",
-          "arrow.up.doc", "arrow.up.right", "bell", "bell.badge", "bell.slash", "chart.bar", "chart.xyaxis.line",
-          "checklist", "checkmark.circle", "checkmark.circle.fill", "circle", "circle.dotted", "clock.arrow.circlepath",
-          "cloud", "doc.text", "exclamationmark.bubble", "exclamationmark.octagon", "exclamationmark.triangle", "folder",
-          "folder.badge.minus", "folder.badge.plus", "gearshape", "hammer", "hand.raised", "internaldrive", "lock",
-          "macwindow", "minus", "pause.circle", "person.crop.circle.badge.exclamationmark", "person.fill.checkmark",
-          "pin.fill", "play.circle", "plus", "power", "puzzlepiece.extension", "questionmark.circle", "shippingbox",
-          "sidebar.right", "sparkles", "square.grid.2x2", "trash"})
+    for (const std::string_view name : {"archivebox",
+                                        "arrow.clockwise",
+                                        "arrow.down.circle",
+                                        "arrow.down.right",
+                                        "arrow.triangle.branch",
+                                        "arrow.up.doc",
+                                        "arrow.up.right",
+                                        "bell",
+                                        "bell.badge",
+                                        "bell.slash",
+                                        "chart.bar",
+                                        "chart.xyaxis.line",
+                                        "checklist",
+                                        "checkmark.circle",
+                                        "checkmark.circle.fill",
+                                        "circle",
+                                        "circle.dotted",
+                                        "clock.arrow.circlepath",
+                                        "cloud",
+                                        "doc.text",
+                                        "exclamationmark.bubble",
+                                        "exclamationmark.octagon",
+                                        "exclamationmark.triangle",
+                                        "folder",
+                                        "folder.badge.minus",
+                                        "folder.badge.plus",
+                                        "gearshape",
+                                        "hammer",
+                                        "hand.raised",
+                                        "internaldrive",
+                                        "lock",
+                                        "macwindow",
+                                        "minus",
+                                        "pause.circle",
+                                        "person.crop.circle.badge.exclamationmark",
+                                        "person.fill.checkmark",
+                                        "pin.fill",
+                                        "play.circle",
+                                        "plus",
+                                        "power",
+                                        "puzzlepiece.extension",
+                                        "questionmark.circle",
+                                        "shippingbox",
+                                        "sidebar.right",
+                                        "sparkles",
+                                        "square.grid.2x2",
+                                        "trash"})
         EXPECT_FALSE(symbolFile(name).empty()) << name;
 }
 

@@ -1,5 +1,8 @@
 // The colours of the theme as the program has them, judged by how well they can be read.
 
+#include "Shared/Components/Contrast.h"
+
+#include <QFont>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -10,16 +13,16 @@
 #include <memory>
 #include <string>
 
-#include "Shared/Components/Contrast.h"
-
 Q_IMPORT_QML_PLUGIN(Cairnfield_ComponentsPlugin)
 
 namespace cairnfield {
 namespace {
 
 constexpr auto surfaces = {"window", "sidebar", "surface", "surfaceRaised"};
-constexpr auto textColors = {"text", "textSecondary", "accent", "green", "blue", "orange", "red", "purple", "yellow"};
-constexpr auto badgeColors = {"textSecondary", "accent", "green", "blue", "orange", "red", "purple", "yellow"};
+constexpr auto textColors = {"text",   "textSecondary", "accent", "green", "blue",
+                             "orange", "red",           "purple", "yellow"};
+constexpr auto badgeColors = {"textSecondary", "accent", "green",  "blue",
+                              "orange",        "red",    "purple", "yellow"};
 
 class Theme : public testing::Test {
 protected:
@@ -29,7 +32,8 @@ protected:
         engine_ = std::make_unique<QQmlEngine>();
         engine_->addImportPath("qrc:/qt/qml");
         QQmlComponent component(engine_.get());
-        component.setData("import QtQml\nimport Cairnfield.Components\nQtObject { property QtObject theme: Theme }", {});
+        component.setData(
+            "import QtQml\nimport Cairnfield.Components\nQtObject { property QtObject theme: Theme }", {});
         holder_.reset(component.create());
         if (holder_) theme_ = holder_->property("theme").value<QObject*>();
         EXPECT_TRUE(theme_) << component.errorString().toStdString();
@@ -44,7 +48,8 @@ protected:
     void expectReadable() const {
         for (const char* surface : surfaces) {
             for (const char* text : textColors)
-                EXPECT_GE(contrastRatio(color(text), color(surface)), readableContrast) << text << " on " << surface;
+                EXPECT_GE(contrastRatio(color(text), color(surface)), readableContrast)
+                    << text << " on " << surface;
         }
         EXPECT_GE(contrastRatio(color("textOnAccent"), color("accent")), readableContrast);
         expectBadgesReadable();
@@ -57,7 +62,8 @@ private:
         for (const char* surface : {"window", "surface", "surfaceRaised"}) {
             for (const char* tint : badgeColors) {
                 const QColor fill = mix(color(tint), color(surface), opacity);
-                EXPECT_GE(contrastRatio(color(tint), fill), readableContrast) << tint << " badge on " << surface;
+                EXPECT_GE(contrastRatio(color(tint), fill), readableContrast)
+                    << tint << " badge on " << surface;
             }
         }
     }
@@ -68,7 +74,8 @@ private:
                 const QColor over = color(selection);
                 const QColor fill = mix(QColor(over.rgb()), color(surface), over.alphaF());
                 for (const char* text : textColors)
-                    EXPECT_GE(contrastRatio(color(text), fill), readableContrast) << text << " on a " << selection << " row";
+                    EXPECT_GE(contrastRatio(color(text), fill), readableContrast)
+                        << text << " on a " << selection << " row";
             }
         }
     }
@@ -84,7 +91,9 @@ protected:
     QObject* theme_ = nullptr;
 };
 
-TEST_F(Theme, IsReadableInTheLight) { expectReadable(); }
+TEST_F(Theme, IsReadableInTheLight) {
+    expectReadable();
+}
 
 TEST_F(Theme, IsReadableInTheDark) {
     theme_->setProperty("dark", true);
@@ -98,7 +107,8 @@ TEST_F(Theme, MakesAnyAccentOfTheDesktopReadable) {
         for (const char* accent : {"#FFE000", "#101010", "#FFFFFF", "#E01B24", "#33D17A", "#9141AC"}) {
             theme_->setProperty("desktopAccent", QColor(accent));
             for (const char* surface : surfaces)
-                EXPECT_GE(contrastRatio(color("accent"), color(surface)), readableContrast) << accent << " on " << surface;
+                EXPECT_GE(contrastRatio(color("accent"), color(surface)), readableContrast)
+                    << accent << " on " << surface;
             EXPECT_GE(contrastRatio(color("textOnAccent"), color("accent")), readableContrast) << accent;
         }
     }

@@ -1,0 +1,125 @@
+import QtQuick
+import QtQuick.Layouts
+import Cairnfield.Components
+import Cairnfield.Root
+import Cairnfield.WatchedFolders
+import Cairnfield.Worktrees
+
+// The sidebar, and beside it the chosen section: its title, its toolbar and its screen.
+FocusScope {
+    id: root
+
+    required property RootViewModel viewModel
+    required property WorktreesViewModel worktrees
+    required property WatchedFoldersViewModel watchedFolders
+    readonly property ScreenView screen: loader.item as ScreenView
+
+    focus: true
+    Component.onCompleted: viewModel.appeared()
+
+    function focusSearch() {
+        screen?.focusSearch();
+    }
+    function rescan() {
+        screen?.rescan();
+    }
+
+    Sidebar {
+        id: sidebar
+
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        width: collapsed ? Theme.sidebarWidthCollapsed : Theme.sidebarWidth
+        viewModel: root.viewModel
+        collapsed: root.width < Theme.sidebarCollapsesBelow
+    }
+    Rectangle {
+        id: divider
+
+        anchors.left: sidebar.right
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        width: Theme.hairline
+        color: Theme.border
+    }
+    ColumnLayout {
+        anchors.left: divider.right
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.pageMargin
+            Layout.rightMargin: Theme.spaceLarge
+            Layout.preferredHeight: Theme.headerHeight
+            Layout.maximumHeight: Theme.headerHeight
+            spacing: Theme.spaceLarge
+
+            InfoText {
+                Layout.fillWidth: true
+                text: root.viewModel.title
+                font: Theme.titleFont
+                wrapMode: Text.NoWrap
+                elide: Text.ElideRight
+                Accessible.role: Accessible.Heading
+            }
+            Item {
+                id: toolbarPlace
+
+                implicitWidth: root.screen?.toolbar?.implicitWidth ?? 0
+                implicitHeight: root.screen?.toolbar?.implicitHeight ?? 0
+            }
+        }
+        Rectangle {
+            Layout.fillWidth: true
+            implicitHeight: Theme.hairline
+            color: Theme.border
+        }
+        Loader {
+            id: loader
+
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            sourceComponent: switch (root.viewModel.section) {
+            case "worktrees":
+                return worktreesScreen;
+            case "watchedFolders":
+                return watchedFoldersScreen;
+            default:
+                return placeholder;
+            }
+        }
+    }
+    Binding {
+        target: root.screen?.toolbar ?? null
+        property: "parent"
+        value: toolbarPlace
+    }
+    // Not bound to this file, as other components are: 6.4 cannot load a bound component.
+    // qmllint disable unqualified
+    Component {
+        id: worktreesScreen
+
+        WorktreesView {
+            viewModel: root.worktrees
+        }
+    }
+    Component {
+        id: watchedFoldersScreen
+
+        WatchedFoldersView {
+            viewModel: root.watchedFolders
+        }
+    }
+    Component {
+        id: placeholder
+
+        PlaceholderView {
+            title: root.viewModel.title
+            symbolName: root.viewModel.symbolName
+        }
+    }
+    // qmllint enable unqualified
+}

@@ -1,0 +1,31 @@
+import QtQuick
+import Cairnfield.Components
+
+// The card under a folder's row, which can be selected.
+Rectangle {
+    id: card
+
+    required property bool selected
+    required property bool listHasFocus
+
+    signal tapped
+
+    color: Theme.surface
+    radius: Theme.cardRadius
+    border.color: card.selected ? Theme.accent : Theme.border
+    border.width: card.selected && card.listHasFocus ? Theme.focusRingWidth : Theme.hairline
+
+    Rectangle {
+        anchors.fill: parent
+        radius: parent.radius
+        color: card.selected ? (card.listHasFocus ? Theme.selection : Theme.selectionInactive)
+                             : pointer.hovered ? Theme.hover : "transparent"
+    }
+    TapHandler {
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+        onTapped: card.tapped()
+    }
+    HoverHandler {
+        id: pointer
+    }
+}

@@ -1,0 +1,88 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import Cairnfield.Components
+import Cairnfield.Worktrees
+
+// Every worktree that the program knows, with the detail of the chosen one beside the list.
+ScreenView {
+    id: view
+
+    required property WorktreesViewModel viewModel
+
+    toolbar: WorktreesToolbar {
+        viewModel: view.viewModel
+        compact: view.width < 820
+    }
+
+    function focusSearch() {
+        if (viewModel.showsList)
+            list.focusSearch();
+    }
+    function rescan() {
+        if (viewModel.canScan)
+            viewModel.scan();
+    }
+
+    onVisibleChanged: if (visible) viewModel.refreshDates()
+
+    EmptyStateView {
+        anchors.fill: parent
+        visible: !view.viewModel.showsList
+        title: view.viewModel.emptyTitle
+        message: view.viewModel.emptyMessage
+        symbolName: view.viewModel.emptySymbolName
+        actionTitle: view.viewModel.emptyActionTitle
+        action: () => view.viewModel.scan()
+    }
+
+    Item {
+        anchors.fill: parent
+        visible: view.viewModel.showsList
+
+        WorktreeListPane {
+            id: list
+
+            anchors.left: parent.left
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            width: divider.position
+            viewModel: view.viewModel
+        }
+        SplitDivider {
+            id: divider
+
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            total: view.width
+        }
+        Item {
+            anchors.left: divider.right
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+
+            WorktreeDetailView {
+                anchors.fill: parent
+                visible: worktree.isPresent
+                worktree: view.viewModel.detail
+                onPreserveAndClean: view.viewModel.preserveAndClean()
+                onReveal: view.viewModel.reveal()
+                onOpenTerminal: view.viewModel.openTerminal()
+                onTogglePin: view.viewModel.togglePin()
+            }
+            EmptyStateView {
+                anchors.fill: parent
+                visible: !view.viewModel.detail.isPresent
+                title: qsTr("Select a worktree")
+                message: qsTr("Cairnfield shows its Git state, what would be preserved, and what would be removed.")
+                symbolName: "sidebar.right"
+            }
+        }
+    }
+
+    CleanupReviewSheet {
+        worktree: view.viewModel.cleanupDetail
+        visible: view.viewModel.isReviewing
+        onClosed: view.viewModel.endReview()
+    }
+}

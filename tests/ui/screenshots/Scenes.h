@@ -1,0 +1,33 @@
+#pragma once
+// What is to be seen on the pictures: a name, a size, and how the screen gets there.
+
+#include "App/AppState.h"
+#include "Features/Root/RootViewModel.h"
+#include "Features/WatchedFolders/WatchedFoldersViewModel.h"
+#include "Features/Worktrees/WorktreesViewModel.h"
+
+#include <QSize>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace cairnfield {
+
+/// What a scene may set and do.
+struct Stage {
+    AppState& state;
+    RootViewModel& root;
+    WorktreesViewModel& worktrees;
+    WatchedFoldersViewModel& folders;
+};
+
+struct Scene {
+    std::string name;
+    std::function<void(Stage&)> set;
+    QSize size{1080, 720};
+};
+
+[[nodiscard]] std::vector<Scene> scenes();
+
+}  // namespace cairnfield

@@ -1,0 +1,134 @@
+// Draws the window in each scene, light and dark and at one and two device pixels for a point, and saves a
+// picture of each. Usage: cairnfield-screenshots FOLDER [SCENE...]. Without a display: it draws off screen
+// and in software, so that the same program gives the same pictures. Fails when the window cannot be made,
+// when QML complains, or when a picture cannot be saved.
+
+#include "Features/Root/AppearanceViewModel.h"
+#include "support/App/AppHarness.h"
+#include "support/AppModelStaging.h"
+#include "support/FakeWorkspace.h"
+#include "ui/screenshots/SampleState.h"
+#include "ui/screenshots/Scenes.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+Q_IMPORT_QML_PLUGIN(Cairnfield_ComponentsPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_RootPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_WatchedFoldersPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_WorktreesPlugin)
+
+namespace cairnfield {
+
+namespace {
+
+bool hasComplaints = false;
+
+void noteComplaint(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+    if (type != QtDebugMsg && type != QtInfoMsg) hasComplaints = true;
+}
+
+class StagedAppearance final : public Appearance {
+public:
+    explicit StagedAppearance(bool isDark) : settings_{.isDark = isDark, .prefersReducedMotion = true} {}
+    [[nodiscard]] AppearanceSettings settings() const override { return settings_; }
+    void onChange(std::function<void()>) override {}
+
+private:
+    AppearanceSettings settings_;
+};
+
+Task<> nothing() {
+    co_return;
+}
+
+bool draw(const Scene& scene, bool isDark, const QString& file) {
+    AppHarness app;
+    app.wallClock.set(sampleNow);
+    FakeWorkspace workspace;
+    StagedAppearance look(isDark);
+    AppearanceViewModel appearance(look);
+    RootViewModel root(*app.model, spawn(app.loop, nothing()));
+    WorktreesViewModel worktrees(*app.model, workspace, app.wallClock);
+    WatchedFoldersViewModel folders(*app.model, workspace, app.wallClock, FilePath("/home/ada"));
+
+    QQmlApplicationEngine engine;
+    engine.addImportPath("qrc:/qt/qml");
+    engine.setInitialProperties({{"viewModel", QVariant::fromValue(&root)},
+                                 {"appearance", QVariant::fromValue(&appearance)},
+                                 {"worktrees", QVariant::fromValue(&worktrees)},
+                                 {"watchedFolders", QVariant::fromValue(&folders)}});
+    engine.load(QUrl("qrc:/qt/qml/Cairnfield/Root/MainWindow.qml"));
+    auto* const window =
+        engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects()[0]);
+    if (!window) return false;
+    window->resize(scene.size);
+    window->show();
+    QCoreApplication::processEvents();
+    Stage stage{AppModelStaging::state(*app.model), root, worktrees, folders};
+    scene.set(stage);
+    // Layouts settle over a few turns; the picture itself is drawn by the call that takes it.
+    for (int turn = 0; turn < 20; ++turn) QCoreApplication::processEvents();
+    return window->grabWindow().save(file);
+}
+
+bool wanted(const Scene& scene, const QStringList& names) {
+    return names.isEmpty() || names.contains(QString::fromStdString(scene.name));
+}
+
+int drawAll(int argc, char** argv, int scale) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    qInstallMessageHandler(noteComplaint);
+    QGuiApplication application(argc, argv);
+    QQuickStyle::setStyle("Basic");
+    const QDir folder(application.arguments().at(1));
+    const QStringList names = application.arguments().mid(2);
+    if (!folder.mkpath(".")) return EXIT_FAILURE;
+    for (const Scene& scene : scenes()) {
+        if (!wanted(scene, names)) continue;
+        for (const bool isDark : {false, true}) {
+            const QString name = QString("%1-%2%3.png")
+                                     .arg(QString::fromStdString(scene.name), isDark ? "dark" : "light",
+                                          scale == 1 ? "" : "-2x");
+            if (!draw(scene, isDark, folder.filePath(name))) {
+                std::fprintf(stderr, "%s could not be drawn\n", qPrintable(name));
+                return EXIT_FAILURE;
+            }
+        }
+    }
+    return hasComplaints ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+}  // namespace
+
+}  // namespace cairnfield
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: cairnfield-screenshots FOLDER [SCENE...]\n");
+        return EXIT_FAILURE;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    setenv("LC_ALL", "en_US.UTF-8", 1);
+    setenv("TZ", "UTC", 1);
+    // The scale belongs to a process.
+    const pid_t doubled = fork();
+    if (doubled < 0) return EXIT_FAILURE;
+    if (doubled == 0) return cairnfield::drawAll(argc, argv, 2);
+    const int result = cairnfield::drawAll(argc, argv, 1);
+    int status = 0;
+    if (waitpid(doubled, &status, 0) != doubled || !WIFEXITED(status)) return EXIT_FAILURE;
+    return result == EXIT_SUCCESS ? WEXITSTATUS(status) : result;
+}
