@@ -1,12 +1,12 @@
 #include "App/AppModel.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "Services/Storage/ThresholdRecommendationService.h"
 #include "Shared/Concurrency/CurrentTask.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace cairnfield {
 
@@ -33,7 +33,9 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
 
 AppModel::~AppModel() = default;
 
-StorageThresholds AppModel::thresholds() const { return settings_.thresholds(state_.storage.get()); }
+StorageThresholds AppModel::thresholds() const {
+    return settings_.thresholds(state_.storage.get());
+}
 
 StorageLevel AppModel::storageLevel() const {
     const std::optional<StorageSnapshot>& snapshot = state_.storage.get();
@@ -55,7 +57,9 @@ Task<> AppModel::stop() {
     co_await operations_.join();
 }
 
-Task<> AppModel::loadPersistedState() { co_await reloadFolders(); }
+Task<> AppModel::loadPersistedState() {
+    co_await reloadFolders();
+}
 
 void AppModel::startMonitoring() {
     assertIsolated();
@@ -84,6 +88,8 @@ Task<> AppModel::reconcile() {
     }
 }
 
-void AppModel::run(Task<> operation) { operations_.add(environment_.mainThread, std::move(operation)); }
+void AppModel::run(Task<> operation) {
+    operations_.add(environment_.mainThread, std::move(operation));
+}
 
 }  // namespace cairnfield

@@ -1,15 +1,12 @@
 #pragma once
-// The one object that holds state for the screens and decides when work happens. It owns every store and service; screens
-// read state() and call the operations, services never call screens. Confined to the main thread: every operation runs
-// there, gives it up only where it waits, and two operations can interleave only at those points. Operations do not throw,
-// but where one says so: what goes wrong stands in a published text or in the log.
+// The one object that holds state for the screens and decides when work happens. It owns every store and
+// service; screens read state() and call the operations, services never call screens. Confined to the main
+// thread: every operation runs there, gives it up only where it waits, and two operations can interleave only
+// at those points. Operations do not throw, but where one says so: what goes wrong stands in a published text
+// or in the log.
 //
-// One class, one header, a source for each concern: AppModel.cpp (construction, start, monitoring), AppModelFolders.cpp,
-// AppModelWorktrees.cpp (git services, refresh, sizing, pins).
-
-#include <cstdint>
-#include <memory>
-#include <vector>
+// One class, one header, a source for each concern: AppModel.cpp (construction, start, monitoring),
+// AppModelFolders.cpp, AppModelWorktrees.cpp (git services, refresh, sizing, pins).
 
 #include "App/AppState.h"
 #include "Persistence/ApplicationSupport.h"
@@ -23,6 +20,10 @@
 #include "Services/Process/ProcessRunning.h"
 #include "Shared/Concurrency/ContinuousClock.h"
 #include "Shared/Concurrency/TaskScope.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace cairnfield {
 
@@ -51,8 +52,8 @@ public:
 
     // Derived values, worked out when read.
     [[nodiscard]] StorageThresholds thresholds() const;
-    [[nodiscard]] StorageLevel storageLevel() const;                ///< normal while nothing was read
-    [[nodiscard]] std::int64_t estimatedReclaimableBytes() const;   ///< 0 before sizing
+    [[nodiscard]] StorageLevel storageLevel() const;               ///< normal while nothing was read
+    [[nodiscard]] std::int64_t estimatedReclaimableBytes() const;  ///< 0 before sizing
     [[nodiscard]] std::vector<Worktree> worktreesNeedingAttention() const;
     [[nodiscard]] std::optional<WatchedFolder> largestWatchedFolder() const;
     [[nodiscard]] std::vector<ProjectUsage> projects() const;
@@ -74,15 +75,15 @@ public:
     Task<> scan(WatchedFolder folder, bool force);
     /// One after another, the enabled folders that are not snoozed.
     Task<> scanAllFolders(bool force);
-    /// The size of any directory, through the one scanner. The one operation here that throws, as DirectoryScanning::size
-    /// does.
+    /// The size of any directory, through the one scanner. The one operation here that throws, as
+    /// DirectoryScanning::size does.
     Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);
 
     // Worktrees.
     /// Finds git and gh anew with the present settings. Blocks while it looks.
     Task<> refreshIntegrations();
-    /// Asks git for everything under the enabled folders; sizing follows by itself when asked for. A call during a refresh
-    /// does nothing.
+    /// Asks git for everything under the enabled folders; sizing follows by itself when asked for. A call
+    /// during a refresh does nothing.
     Task<> refreshWorktrees(bool includeSizes);
     void startSizing(bool force);
     void cancelSizing();
@@ -113,7 +114,8 @@ private:
     WatchedFolderStore folderStore_;
     FileSystemActivityDetector activityDetector_;
     std::shared_ptr<GitHubServicing> githubService_;  ///< absent until the tools were looked for
-    std::shared_ptr<WorktreeCatalog> catalog_;        ///< absent while git is unusable; shared with a refresh under way
+    std::shared_ptr<WorktreeCatalog>
+        catalog_;  ///< absent while git is unusable; shared with a refresh under way
     TaskHandle<> reconcileTask_;
     TaskHandle<> sizingTask_;
     std::uint64_t sizingRun_ = 0;  ///< of the sizing that may touch progress; an abandoned one may not

@@ -1,9 +1,9 @@
-#include <algorithm>
-#include <utility>
-
 #include "App/AppModel.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace cairnfield {
 

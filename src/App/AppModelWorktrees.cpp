@@ -1,12 +1,12 @@
-#include <algorithm>
-#include <utility>
-
 #include "App/AppModel.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/Process/ExecutableLocator.h"
 #include "Shared/Concurrency/CurrentTask.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace cairnfield {
 
@@ -15,12 +15,14 @@ namespace {
 /// Levels below a watched folder at which repositories are still found.
 constexpr int discoveryDepth = 4;
 
-/// Where the worktree of this path stands in the list. It is looked for at `hint` first: the list rarely changes while its
-/// worktrees are sized one after another.
-std::optional<std::size_t> indexOf(const std::vector<Worktree>& worktrees, const FilePath& path, std::size_t hint) {
+/// Where the worktree of this path stands in the list. It is looked for at `hint` first: the list rarely
+/// changes while its worktrees are sized one after another.
+std::optional<std::size_t> indexOf(const std::vector<Worktree>& worktrees, const FilePath& path,
+                                   std::size_t hint) {
     const FilePath wanted = path.standardized();
     if (hint < worktrees.size() && worktrees[hint].id() == wanted) return hint;
-    const auto found = std::ranges::find_if(worktrees, [&](const Worktree& worktree) { return worktree.id() == wanted; });
+    const auto found =
+        std::ranges::find_if(worktrees, [&](const Worktree& worktree) { return worktree.id() == wanted; });
     if (found == worktrees.end()) return std::nullopt;
     return std::size_t(found - worktrees.begin());
 }
@@ -46,7 +48,9 @@ std::vector<Worktree> AppModel::worktreesNeedingAttention() const {
     return found;
 }
 
-std::vector<ProjectUsage> AppModel::projects() const { return ProjectUsage::rollUp(state_.worktrees.get()); }
+std::vector<ProjectUsage> AppModel::projects() const {
+    return ProjectUsage::rollUp(state_.worktrees.get());
+}
 
 void AppModel::configureGitServices() {
     assertIsolated();
@@ -67,7 +71,8 @@ void AppModel::configureGitServices() {
         environment_.pool, std::make_unique<RepositoryDiscoveryService>(environment_.blocking),
         std::make_unique<GitWorktreeInspector>(runner, scanner_, activityDetector_), runner);
     try {
-        // gh can be found, but nothing here can talk to it yet; until something can, pull requests are not looked up.
+        // gh can be found, but nothing here can talk to it yet; until something can, pull requests are not
+        // looked up.
         (void)locator.locateGitHubCLI();
         githubService_.reset();
     } catch (const CairnfieldError& error) {
@@ -85,7 +90,8 @@ Task<> AppModel::refreshIntegrations() {
 
 Task<> AppModel::refreshWorktrees(bool includeSizes) {
     if (!catalog_) {
-        state_.worktreeRefreshError.set(state_.gitStatusMessage.get().value_or("Git was not found on this Mac."));
+        state_.worktreeRefreshError.set(
+            state_.gitStatusMessage.get().value_or("Git was not found on this Mac."));
         co_return;
     }
     if (state_.isRefreshingWorktrees.get()) co_return;
@@ -114,7 +120,8 @@ Task<> AppModel::refreshWorktrees(bool includeSizes) {
     state_.worktrees.set(std::move(found));
     state_.lastWorktreeRefresh.set(environment_.wallClock.now());
     state_.worktreeRefreshError.set(std::nullopt);
-    Log::git().info("Discovered {} worktree(s) across {} project(s)", state_.worktrees.get().size(), projects().size());
+    Log::git().info("Discovered {} worktree(s) across {} project(s)", state_.worktrees.get().size(),
+                    projects().size());
     if (includeSizes) startSizing(false);
     state_.isRefreshingWorktrees.set(false);
 }

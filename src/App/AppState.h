@@ -1,12 +1,6 @@
 #pragma once
-// Every value that a screen shows, each telling its observers on the main thread when, and only when, it really changed.
-// Owned by AppModel alone; screens get it as a constant. Main thread only.
-
-#include <map>
-#include <optional>
-#include <set>
-#include <string>
-#include <vector>
+// Every value that a screen shows, each telling its observers on the main thread when, and only when, it
+// really changed. Owned by AppModel alone; screens get it as a constant. Main thread only.
 
 #include "Models/DirectoryScan.h"
 #include "Models/ProjectUsage.h"
@@ -16,6 +10,12 @@
 #include "Services/GitHub/GitHubServicing.h"
 #include "Shared/Concurrency/Published.h"
 
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
 namespace cairnfield {
 
 struct AppState {
@@ -23,7 +23,7 @@ struct AppState {
     Published<bool> isMonitoring{false};                ///< not the stored setting of nearly the same name
     Published<std::optional<std::string>> lastStorageError;
 
-    Published<std::vector<WatchedFolder>> watchedFolders;  ///< a copy of what the store holds
+    Published<std::vector<WatchedFolder>> watchedFolders;              ///< a copy of what the store holds
     Published<std::map<UUID, DirectoryScanResult>> folderScanResults;  ///< of this run of the program
     Published<std::set<UUID>> scanningFolderIDs;
     Published<std::optional<std::string>> folderError;  ///< why the last folder could not be added or removed
@@ -34,8 +34,9 @@ struct AppState {
     Published<std::optional<std::string>> worktreeRefreshError;
     Published<std::optional<SizingProgress>> sizingProgress;  ///< absent when nothing is being sized
 
-    Published<std::optional<std::string>> gitStatusMessage;  ///< why git is unusable; absent when it was found
-    Published<std::optional<FilePath>> gitPath;              ///< where git was found
+    Published<std::optional<std::string>>
+        gitStatusMessage;                        ///< why git is unusable; absent when it was found
+    Published<std::optional<FilePath>> gitPath;  ///< where git was found
     Published<GitHubIntegrationStatus> githubStatus{GitHubIntegrationStatus::unavailable()};
 };
 

@@ -1,5 +1,6 @@
 #pragma once
-// What the desktop says about how its windows should look. Main thread only; observers are told after each change.
+// What the desktop says about how its windows should look. Main thread only; observers are told after each
+// change.
 
 #include <cstdint>
 #include <functional>

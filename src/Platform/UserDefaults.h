@@ -1,7 +1,7 @@
 #pragma once
-// The user's settings as the desktop keeps them: values with a type under text keys. Main thread only. Reads never fail;
-// writes report nothing to the caller, and a failure is one line in the log. What is written is in force at once, and on
-// disk before the call returns.
+// The user's settings as the desktop keeps them: values with a type under text keys. Main thread only. Reads
+// never fail; writes report nothing to the caller, and a failure is one line in the log. What is written is
+// in force at once, and on disk before the call returns.
 
 #include <cstdint>
 #include <optional>

@@ -1,10 +1,10 @@
 #pragma once
 // Settings that live as long as the test, and can be looked into.
 
+#include "Platform/UserDefaults.h"
+
 #include <map>
 #include <string>
-
-#include "Platform/UserDefaults.h"
 
 namespace cairnfield {
 
@@ -15,7 +15,9 @@ public:
         if (found == values.end()) return std::nullopt;
         return found->second;
     }
-    void set(std::string_view key, DefaultsValue value) override { values.insert_or_assign(std::string(key), std::move(value)); }
+    void set(std::string_view key, DefaultsValue value) override {
+        values.insert_or_assign(std::string(key), std::move(value));
+    }
     void remove(std::string_view key) override {
         if (const auto found = values.find(key); found != values.end()) values.erase(found);
     }

@@ -3,8 +3,8 @@
 #include "Shared/Concurrency/Cancelled.h"
 
 #include <cerrno>
-#include <memory>
 #include <fcntl.h>
+#include <memory>
 #include <system_error>
 #include <unistd.h>
 #include <utility>

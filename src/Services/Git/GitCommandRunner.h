@@ -1,13 +1,13 @@
 #pragma once
-// The only way to git: one located program, and forms of running it that differ in how much of a failure the caller wants
-// to see. Knows no git semantics. A plain value, copied freely, used from any task.
+// The only way to git: one located program, and forms of running it that differ in how much of a failure the
+// caller wants to see. Knows no git semantics. A plain value, copied freely, used from any task.
+
+#include "Services/Process/ProcessRunning.h"
 
 #include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "Services/Process/ProcessRunning.h"
 
 namespace cairnfield {
 
@@ -19,7 +19,8 @@ public:
     enum class UsesNetwork { no, yes };
 
     /// `runner` outlives every task that uses this value.
-    GitCommandRunner(ProcessRunning& runner, FilePath gitURL) : runner_(&runner), gitURL_(std::move(gitURL)) {}
+    GitCommandRunner(ProcessRunning& runner, FilePath gitURL)
+        : runner_(&runner), gitURL_(std::move(gitURL)) {}
 
     [[nodiscard]] const FilePath& gitURL() const { return gitURL_; }
 
@@ -31,11 +32,13 @@ public:
     Task<CommandResult> runChecked(GitArguments arguments, FilePath directory, std::chrono::seconds timeout,
                                    UsesNetwork usesNetwork = UsesNetwork::no) const;
 
-    /// The trimmed output as text; absent when it is empty, the status is not 0, or the run failed in any way.
+    /// The trimmed output as text; absent when it is empty, the status is not 0, or the run failed in any
+    /// way.
     Task<std::optional<std::string>> optionalString(GitArguments arguments, FilePath directory,
                                                     std::chrono::seconds timeout) const;
 
-    /// The same for an answer that is a path: its bytes as they are, without the one newline that git ends it with.
+    /// The same for an answer that is a path: its bytes as they are, without the one newline that git ends it
+    /// with.
     Task<std::optional<FilePath>> optionalPath(GitArguments arguments, FilePath directory,
                                                std::chrono::seconds timeout) const;
 

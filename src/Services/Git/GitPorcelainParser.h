@@ -1,12 +1,12 @@
 #pragma once
-// git's machine-readable output as records. Pure functions in one pass, no failure: what is not recognised is skipped, so
-// that a newer git breaks nothing. Paths and names stay the bytes that git wrote.
+// git's machine-readable output as records. Pure functions in one pass, no failure: what is not recognised is
+// skipped, so that a newer git breaks nothing. Paths and names stay the bytes that git wrote.
+
+#include "Models/Git.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "Models/Git.h"
 
 namespace cairnfield::GitPorcelainParser {
 
@@ -16,7 +16,8 @@ namespace cairnfield::GitPorcelainParser {
 /// Of `git worktree list --porcelain -z`. The first entry is the main worktree.
 [[nodiscard]] std::vector<GitWorktreeEntry> parseWorktreeList(std::string_view bytes);
 
-/// Of `git status --porcelain=v2 -z ...`. Empty input reads as clean, so the caller tests the exit status first.
+/// Of `git status --porcelain=v2 -z ...`. Empty input reads as clean, so the caller tests the exit status
+/// first.
 [[nodiscard]] GitStatusSummary parseStatus(std::string_view bytes);
 
 /// Of `git submodule status --recursive`: some submodule is at another commit than recorded, or in conflict.

@@ -1,13 +1,13 @@
 #pragma once
-// What ignored files directly under a worktree's root would cost if they went with it: rebuildable output nothing, secrets
-// and local configuration cannot be got back, the rest is unknown. Pure functions.
+// What ignored files directly under a worktree's root would cost if they went with it: rebuildable output
+// nothing, secrets and local configuration cannot be got back, the rest is unknown. Pure functions.
+
+#include "Models/Worktree.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "Models/Worktree.h"
 
 namespace cairnfield::IgnoredFileClassifier {
 

@@ -1,6 +1,7 @@
 #pragma once
-// The one place where the facts of an inspection become a verdict. A pure function: the checks run from what must stop
-// everything to what merely qualifies, the first that holds decides, and what is not known counts as unsafe.
+// The one place where the facts of an inspection become a verdict. A pure function: the checks run from what
+// must stop everything to what merely qualifies, the first that holds decides, and what is not known counts
+// as unsafe.
 
 #include "Models/Worktree.h"
 

@@ -1,15 +1,15 @@
-// The model's list of worktrees over real repositories: refreshing, sizing with its progress, pins, and what happens when
-// the tools or the folders are not there.
-
-#include <algorithm>
-#include <filesystem>
-
-#include <gtest/gtest.h>
+// The model's list of worktrees over real repositories: refreshing, sizing with its progress, pins, and what
+// happens when the tools or the folders are not there.
 
 #include "Shared/Concurrency/TaskHandle.h"
 #include "Shared/Concurrency/WhenAll.h"
 #include "support/App/AppHarness.h"
 #include "support/GitRepository.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
 
 namespace cairnfield {
 namespace {
@@ -80,7 +80,8 @@ TEST_F(Worktrees, ARefreshDuringARefreshDoesNothing) {
     start();
     app.run(app.model->addWatchedFolder(projects));
     int starts = 0;
-    const Subscription subscription = state().isRefreshingWorktrees.observe([&] { starts += state().isRefreshingWorktrees.get(); });
+    const Subscription subscription =
+        state().isRefreshingWorktrees.observe([&] { starts += state().isRefreshingWorktrees.get(); });
     auto both = tasks(app.model->refreshWorktrees(false), app.model->refreshWorktrees(true));
     app.run(whenAll(std::move(both)));
     EXPECT_EQ(starts, 1);
@@ -92,11 +93,12 @@ TEST_F(Worktrees, SizingTellsItsProgressUpToTheTotal) {
     start();
     app.run(app.model->addWatchedFolder(projects));
     std::vector<std::optional<SizingProgress>> seen;
-    const Subscription subscription = state().sizingProgress.observe([&] { seen.push_back(state().sizingProgress.get()); });
+    const Subscription subscription =
+        state().sizingProgress.observe([&] { seen.push_back(state().sizingProgress.get()); });
     app.run(app.model->refreshWorktrees(true));
     app.run(app.model->sizingFinished());
-    EXPECT_EQ(seen, (std::vector<std::optional<SizingProgress>>{
-                        SizingProgress{0, 2}, SizingProgress{1, 2}, SizingProgress{2, 2}, std::nullopt}));
+    EXPECT_EQ(seen, (std::vector<std::optional<SizingProgress>>{SizingProgress{0, 2}, SizingProgress{1, 2},
+                                                                SizingProgress{2, 2}, std::nullopt}));
 }
 
 TEST_F(Worktrees, OneThatIsRemovedWhileItIsSizedIsPassedOver) {

@@ -1,8 +1,8 @@
 #include "support/App/AppHarness.h"
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace cairnfield {
 

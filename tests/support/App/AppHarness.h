@@ -1,8 +1,6 @@
 #pragma once
-// The real model with the real services in a home of its own: real git, real files, a real walk. Only what a test puts in
-// by name is a fake. It belongs to the test's thread, which is the main thread of the model.
-
-#include <memory>
+// The real model with the real services in a home of its own: real git, real files, a real walk. Only what a
+// test puts in by name is a fake. It belongs to the test's thread, which is the main thread of the model.
 
 #include "App/AppModel.h"
 #include "Persistence/SettingsStore.h"
@@ -17,6 +15,8 @@
 #include "support/SettableWallClock.h"
 #include "support/SteppedClock.h"
 #include "support/TemporaryDirectory.h"
+
+#include <memory>
 
 namespace cairnfield {
 

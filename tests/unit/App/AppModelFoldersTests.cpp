@@ -1,15 +1,15 @@
 // What the model does with watched folders: adding, removing, scanning one and scanning all.
 
-#include <algorithm>
-#include <atomic>
-#include <filesystem>
-
-#include <gtest/gtest.h>
-
 #include "Shared/Concurrency/TaskHandle.h"
 #include "Shared/Concurrency/WhenAll.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "support/App/AppHarness.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
 
 namespace cairnfield {
 namespace {
@@ -96,7 +96,8 @@ TEST_F(Folders, AScanOfAGoneDirectorySaysSoAndKeepsTheKnownSize) {
     std::filesystem::remove(projects.bytes());
     app.run(app.model->scan(only(), true));
     EXPECT_EQ(only().lastKnownSizeBytes, 1000);
-    EXPECT_EQ(only().lastScanError, CairnfieldError(CairnfieldError::PathMissing{projects.bytes()}).errorDescription());
+    EXPECT_EQ(only().lastScanError,
+              CairnfieldError(CairnfieldError::PathMissing{projects.bytes()}).errorDescription());
     EXPECT_TRUE(app.model->state().folderScanResults.get().contains(only().id));
     EXPECT_TRUE(app.model->state().scanningFolderIDs.get().empty());
 }

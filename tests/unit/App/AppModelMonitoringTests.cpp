@@ -1,10 +1,10 @@
 // Starting, the reconciliation loop on a clock that the test steps, and pausing.
 
-#include <atomic>
+#include "support/App/AppHarness.h"
 
 #include <gtest/gtest.h>
 
-#include "support/App/AppHarness.h"
+#include <atomic>
 
 namespace cairnfield {
 namespace {
