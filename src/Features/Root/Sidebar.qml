@@ -32,7 +32,7 @@ Rectangle {
             Layout.fillHeight: true
             model: sidebar.viewModel.sections
             currentIndex: sidebar.viewModel.selectedRow
-            spacing: 2
+            spacing: Theme.spaceHair
             clip: true
             focus: true
             activeFocusOnTab: true

@@ -4,7 +4,7 @@ import Cairnfield.Components
 import Cairnfield.WatchedFolders
 
 // One folder on a card: what it is called and how large it is, how that stands, and what takes most of it.
-StatusSurface {
+Item {
     id: row
 
     required property watchedFolderListItem folder
@@ -15,6 +15,7 @@ StatusSurface {
     signal reveal
     signal rescan
 
+    implicitHeight: column.implicitHeight + 2 * Theme.cardPadding
     Accessible.role: Accessible.ListItem
     Accessible.name: folder.name
     Accessible.description: folder.description
@@ -24,12 +25,18 @@ StatusSurface {
     Accessible.focused: selected && listHasFocus
     Accessible.onPressAction: row.chosen()
 
-    background: FolderCard {
+    FolderCard {
+        anchors.fill: parent
         selected: row.selected
         listHasFocus: row.listHasFocus
         onTapped: row.chosen()
     }
-    contentItem: ColumnLayout {
+    ColumnLayout {
+        id: column
+
+        x: Theme.cardPadding
+        y: Theme.cardPadding
+        width: row.width - 2 * Theme.cardPadding
         spacing: Theme.spaceSmall
 
         RowLayout {
@@ -38,7 +45,7 @@ StatusSurface {
             ColumnLayout {
                 Layout.fillWidth: true
                 Layout.alignment: Qt.AlignTop
-                spacing: 2
+                spacing: Theme.spaceHair
 
                 InfoText {
                     Layout.fillWidth: true
@@ -54,7 +61,7 @@ StatusSurface {
             }
             ColumnLayout {
                 Layout.alignment: Qt.AlignTop
-                spacing: 2
+                spacing: Theme.spaceHair
 
                 InfoText {
                     Layout.alignment: Qt.AlignRight

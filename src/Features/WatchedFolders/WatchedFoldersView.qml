@@ -43,7 +43,7 @@ ScreenView {
 
         SymbolLabel {
             Layout.fillWidth: true
-            Layout.margins: Theme.spaceLarge
+            Layout.topMargin: Theme.spaceLarge
             Layout.leftMargin: Theme.pageMargin
             Layout.rightMargin: Theme.pageMargin
             text: view.viewModel.notice

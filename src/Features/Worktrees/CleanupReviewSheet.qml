@@ -33,7 +33,7 @@ Sheet {
 
             Layout.fillWidth: true
             text: modelData
-            symbolName: "checkmark.circle"
+            symbolName: "circle"
             tint: Theme.textSecondary
         }
     }

@@ -14,6 +14,17 @@ Item {
     Accessible.name: project.title
     Accessible.description: project.description
 
+    HoverHandler {
+        id: pointer
+    }
+    Tip {
+        text: header.project.title + "\n" + header.project.description
+        shown: pointer.hovered && (name.truncated || details.truncated)
+    }
+    FontMetrics {
+        id: caption
+        font: Theme.captionFont
+    }
     ColumnLayout {
         id: column
 
@@ -34,6 +45,8 @@ Item {
                 visible: header.project.symbolName !== ""
             }
             Text {
+                id: name
+
                 Layout.fillWidth: true
                 text: header.project.title
                 textFormat: Text.PlainText
@@ -50,7 +63,11 @@ Item {
             }
         }
         Text {
+            id: details
+
             Layout.fillWidth: true
+            // The text begins with a blank before its first dot; the dot stands below the name all the same.
+            Layout.leftMargin: -caption.advanceWidth(" ")
             text: header.project.details
             textFormat: Text.PlainText
             font: Theme.captionFont

@@ -44,18 +44,28 @@ Item {
         anchors.rightMargin: Theme.spaceLarge
         anchors.topMargin: Theme.rowPadding
         anchors.bottomMargin: Theme.rowPadding
-        spacing: 2
+        spacing: Theme.spaceHair
 
         RowLayout {
             spacing: Theme.spaceTiny
 
             Text {
+                id: branch
+
                 Layout.fillWidth: true
                 text: row.worktree.title
                 textFormat: Text.PlainText
                 font: Theme.bodyFont
                 color: Theme.text
                 elide: Text.ElideRight
+
+                HoverHandler {
+                    id: branchPointer
+                }
+                Tip {
+                    text: branch.text
+                    shown: branchPointer.hovered && branch.truncated
+                }
             }
             SymbolIcon {
                 symbolName: "pin.fill"
@@ -86,14 +96,25 @@ Item {
                 color: Theme.tint(row.worktree.tint)
             }
             Text {
+                id: remarks
+
                 Layout.fillWidth: true
                 text: row.worktree.remarks
                 textFormat: Text.PlainText
                 font: Theme.captionFont
                 color: Theme.textSecondary
                 elide: Text.ElideRight
+
+                HoverHandler {
+                    id: remarksPointer
+                }
+                Tip {
+                    text: remarks.text
+                    shown: remarksPointer.hovered && remarks.truncated
+                }
             }
             Text {
+                Layout.leftMargin: Theme.spaceTiny
                 text: row.worktree.size
                 textFormat: Text.PlainText
                 font: Theme.captionFont

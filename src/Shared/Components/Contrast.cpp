@@ -15,9 +15,12 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-double worstContrast(const QColor& color, const QList<QColor>& backgrounds) {
+double worstContrast(const QColor& color, const QList<QColor>& backgrounds, double tintOpacity) {
     double worst = 21;
-    for (const QColor& background : backgrounds) worst = std::min(worst, contrastRatio(color, background));
+    for (const QColor& background : backgrounds) {
+        const double onTint = contrastRatio(color, mix(color, background, tintOpacity));
+        worst = std::min({worst, contrastRatio(color, background), onTint});
+    }
     return worst;
 }
 
@@ -42,19 +45,19 @@ QColor mix(const QColor& top, const QColor& bottom, double opacity) {
             channel(top.blueF(), bottom.blueF())};
 }
 
-QColor readableOn(const QColor& color, const QList<QColor>& backgrounds) {
+QColor readableOn(const QColor& color, const QList<QColor>& backgrounds, double tintOpacity) {
     constexpr double step = 1.0 / 255;
     const double start = color.lightnessF();
     for (double distance = 0; distance <= 1; distance += step) {
         for (const double lightness : {start - distance, start + distance}) {
             if (lightness < 0 || lightness > 1) continue;
             const QColor shade = distance == 0 ? QColor(color.rgb()) : withLightness(color, lightness);
-            if (worstContrast(shade, backgrounds) >= readableContrast) return shade;
+            if (worstContrast(shade, backgrounds, tintOpacity) >= readableContrast) return shade;
         }
     }
     const QColor black(Qt::black);
     const QColor white(Qt::white);
-    return worstContrast(black, backgrounds) >= worstContrast(white, backgrounds) ? black : white;
+    return worstContrast(black, backgrounds, 0) >= worstContrast(white, backgrounds, 0) ? black : white;
 }
 
 QColor textColorOn(const QColor& fill) {

@@ -20,8 +20,10 @@ inline constexpr double readableContrast = 4.5;
 [[nodiscard]] QColor mix(const QColor& top, const QColor& bottom, double opacity);
 
 /// The colour, darkened or lightened no more than needed to be readable on each of the backgrounds. When the
-/// backgrounds leave no such shade, black or white, whichever does better.
-[[nodiscard]] QColor readableOn(const QColor& color, const QList<QColor>& backgrounds);
+/// backgrounds leave no such shade, black or white, whichever does better. It is readable also on itself,
+/// laid over each background at `tintOpacity`, as on a badge.
+[[nodiscard]] QColor readableOn(const QColor& color, const QList<QColor>& backgrounds,
+                                double tintOpacity = 0);
 
 /// White where that is readable on the fill, else a near black.
 [[nodiscard]] QColor textColorOn(const QColor& fill);
@@ -32,13 +34,11 @@ class Contrast : public QObject {
     QML_SINGLETON
 
 public:
-    Q_INVOKABLE [[nodiscard]] static QColor readable(const QColor& color, const QList<QColor>& backgrounds) {
-        return readableOn(color, backgrounds);
+    Q_INVOKABLE [[nodiscard]] static QColor readable(const QColor& color, const QList<QColor>& backgrounds,
+                                                     double tintOpacity) {
+        return readableOn(color, backgrounds, tintOpacity);
     }
     Q_INVOKABLE [[nodiscard]] static QColor textOn(const QColor& fill) { return textColorOn(fill); }
-    Q_INVOKABLE [[nodiscard]] static QColor over(const QColor& top, const QColor& bottom, double opacity) {
-        return mix(top, bottom, opacity);
-    }
 };
 
 }  // namespace cairnfield

@@ -7,7 +7,7 @@ T.ProgressBar {
 
     required property string title
 
-    implicitWidth: 120
+    implicitWidth: Theme.progressMinimumWidth
     implicitHeight: metrics.height + Theme.spaceTiny + Theme.barHeight
     Accessible.name: title
 

@@ -7,7 +7,7 @@ T.TextField {
 
     required property string prompt
 
-    implicitWidth: 200
+    implicitWidth: Theme.searchMinimumWidth
     implicitHeight: Theme.controlHeight
     leftPadding: Theme.iconSize + 2 * Theme.spaceSmall
     rightPadding: leftPadding

@@ -26,7 +26,7 @@ QtObject {
     readonly property color textSecondary: highContrast ? text : dark ? "#AFAFB9" : "#5F5F68"
 
     // Colours with a meaning.
-    readonly property color accent: Contrast.readable(desktopAccent, accentBackgrounds)
+    readonly property color accent: Contrast.readable(desktopAccent, surfaces, badgeOpacity)
     readonly property color textOnAccent: Contrast.textOn(accent)
     readonly property color green: dark ? "#4EC47D" : "#1A7440"
     readonly property color blue: dark ? "#85B2F6" : "#2462C6"
@@ -34,10 +34,6 @@ QtObject {
     readonly property color red: dark ? "#FF8F88" : "#BF2727"
     readonly property color purple: dark ? "#C4A0F3" : "#7A3FC4"
     readonly property color yellow: dark ? "#E3C341" : "#7C6200"
-    readonly property list<color> accentBackgrounds: [
-        window, sidebar, surface, surfaceRaised, Contrast.over(desktopAccent, window, badgeOpacity),
-        Contrast.over(desktopAccent, sidebar, badgeOpacity), Contrast.over(desktopAccent, surface, badgeOpacity),
-        Contrast.over(desktopAccent, surfaceRaised, badgeOpacity)]
 
     // States, laid over whatever is below.
     readonly property color hover: Qt.alpha(text, 0.06)
@@ -57,7 +53,8 @@ QtObject {
     readonly property font heroFont: Qt.font({ pointSize: basePointSize + 20, weight: Font.Light })
     readonly property font fixedFont: Qt.font({ family: fixedFontFamily, pointSize: basePointSize })
 
-    // Space, in multiples of 4.
+    // Space, in multiples of 4, and half a step between lines that belong together.
+    readonly property int spaceHair: 2
     readonly property int spaceTiny: 4
     readonly property int spaceSmall: 8
     readonly property int spaceMedium: 12
@@ -91,6 +88,9 @@ QtObject {
     readonly property int sheetWidth: 640
     readonly property int dialogWidth: 420
     readonly property int measure: 420
+    readonly property int searchMinimumWidth: 200
+    readonly property int progressMinimumWidth: 120
+    readonly property int scrollBarWidth: 10
     readonly property int tipWidth: 480
 
     // Motion, in milliseconds.

@@ -14,8 +14,8 @@ T.ScrollBar {
     orientation: Qt.Vertical
     policy: T.ScrollBar.AsNeeded
     minimumSize: 0.06
-    padding: 2
-    implicitWidth: 10
+    padding: Theme.spaceHair
+    implicitWidth: Theme.scrollBarWidth
     visible: size < 1
     position: view.visibleArea.yPosition
     size: view.visibleArea.heightRatio

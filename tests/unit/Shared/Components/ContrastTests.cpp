@@ -31,8 +31,13 @@ TEST(Contrast, DarkensOnLightAndLightensOnDarkNoMoreThanNeeded) {
 }
 
 TEST(Contrast, FallsBackToTheBetterOfBlackAndWhiteWhenNoShadeServes) {
-    const QColor shade = readableOn(QColor("#FF0000"), {Qt::black, Qt::white});
-    EXPECT_TRUE(shade == QColor(Qt::black) || shade == QColor(Qt::white));
+    EXPECT_EQ(readableOn(QColor("#FF0000"), {QColor("#303030"), QColor("#A0A0A0")}), QColor(Qt::white));
+    EXPECT_EQ(readableOn(QColor("#FF0000"), {QColor("#404040"), QColor("#C0C0C0")}), QColor(Qt::black));
+}
+
+TEST(Contrast, KeepsATintReadableOnItself) {
+    const QColor tint = readableOn(QColor("#7FB2FF"), {QColor("#34343A")}, 0.12);
+    EXPECT_GE(contrastRatio(tint, mix(tint, QColor("#34343A"), 0.12)), readableContrast);
 }
 
 TEST(Contrast, TakesWhiteTextOnDarkFillsAndNearBlackOnLightOnes) {
