@@ -13,7 +13,9 @@ target_compile_options(cairnfield_compile INTERFACE
   -Wimplicit-fallthrough -Wno-missing-field-initializers -Werror)
 
 if(CAIRNFIELD_SANITIZE)
-  add_compile_options(-fsanitize=${CAIRNFIELD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  # The check of virtual table pointers opens a pipe for each object it has not seen; some tests leave no descriptor for it.
+  add_compile_options(-fsanitize=${CAIRNFIELD_SANITIZE} -fno-sanitize=vptr -fno-omit-frame-pointer
+                      -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=${CAIRNFIELD_SANITIZE})
 endif()
 if(CAIRNFIELD_COVERAGE)

@@ -140,11 +140,14 @@ class App:
         subprocess.run(["xdotool", "type", "--delay", "5", "--", text], check=True)
 
     def resize(self, width, height):
-        subprocess.run(["xdotool", "windowsize", self.window, str(width), str(height)], check=True)
+        """In the units of the program: the display's are more of them when it is scaled."""
+        scale = float(os.environ.get("QT_SCALE_FACTOR", "1"))
+        subprocess.run(["xdotool", "windowsize", self.window, str(round(width * scale)), str(round(height * scale))],
+                       check=True)
 
         def done():
             box = self.frame.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-            return (box.width, box.height) == (width, height)
+            return (box.width, box.height) in ((width, height), (round(width * scale), round(height * scale)))
 
         self.wait(done, f"a window of {width} by {height}")
 

@@ -100,7 +100,7 @@ std::vector<Scene> scenes() {
          list(sampleWorktrees(),
               [](Stage& stage) { stage.state.worktreeRefreshError.set("Git was not found on this Mac."); })},
         {"worktrees-one", list({sampleWorktrees()[0]})},
-        {"worktrees-5000", list(manyWorktrees(5000), [](Stage& stage) { stage.worktrees.select(40); })},
+        {"worktrees-5000", list(manyWorktrees(5000), [](Stage& stage) { stage.worktrees.select(3); })},
         {"worktrees-odd-names", list(oddWorktrees(), [](Stage& stage) { stage.worktrees.select(2); })},
         {"worktrees-smallest", list(sampleWorktrees(), selecting("harbour-map")), smallest},
         {"worktrees-review", list(sampleWorktrees(),
