@@ -29,7 +29,7 @@ QtObject {
     readonly property color accent: Contrast.readable(desktopAccent, surfaces, badgeOpacity)
     readonly property color textOnAccent: Contrast.textOn(accent)
     readonly property color green: dark ? "#4EC47D" : "#1A7440"
-    readonly property color blue: dark ? "#85B2F6" : "#2462C6"
+    readonly property color blue: dark ? "#85B2F6" : "#215DBD"
     readonly property color orange: dark ? "#F2A33C" : "#A44C08"
     readonly property color red: dark ? "#FF8F88" : "#BF2727"
     readonly property color purple: dark ? "#C4A0F3" : "#7A3FC4"

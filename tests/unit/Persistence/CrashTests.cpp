@@ -133,9 +133,11 @@ TEST(Crash, AtEveryStepOfAWriteLeavesTheOldOrTheNewFileWhole) {
 
         EXPECT_EQ(child.exitStatus(), 0);
         EXPECT_EQ(content, newValue);
-        EXPECT_GE(kept, 7) << "steps before the replacement";
-        EXPECT_GE(replaced, 2) << "steps after the replacement";
-        EXPECT_GE(leftovers, 4) << "steps with a temporary file on disk";
+        // How many steps there are depends on the C library and on what instruments it, and a child that is killed before a
+        // call may still carry it out. What counts is that kills fell on every side.
+        EXPECT_GE(kept, 3) << "steps before the replacement";
+        EXPECT_GE(replaced, 1) << "steps after the replacement";
+        EXPECT_GE(leftovers, 2) << "steps with a temporary file on disk";
         return;
     }
     FAIL() << "the write never ended";
