@@ -4,7 +4,7 @@
 runPackages=(
     git fonts-dejavu-core
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
-    qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
+    qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qt-labs-folderlistmodel qml6-module-qtquick-layouts
     qml6-module-qtquick-shapes qml6-module-qtquick-templates qml6-module-qtquick-window
 )
 

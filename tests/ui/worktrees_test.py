@@ -94,7 +94,7 @@ class Worktrees(UITestCase):
     def test_filters_by_disposition(self):
         app = self.start_with_folder()
         app.press(app.find("Filter", role="combo box"))
-        app.press(app.find("Cannot clean", role="menu item"))
+        app.press(app.find("Cannot clean", role="list item"))
         app.wait(lambda: self.rows(app) == ["main", "main"], "the main worktrees alone")
 
     def test_moves_through_the_list_by_keyboard(self):

@@ -63,6 +63,7 @@ Sheet {
         id: chooser
 
         title: qsTr("Add folder")
+        currentFolder: sheet.viewModel.firstFolder
         onAccepted: sheet.viewModel.addChosen(selectedFolder)
     }
 }

@@ -105,6 +105,10 @@ void WatchedFoldersViewModel::fail(const char* importError) {
     emit importingChanged();
 }
 
+QUrl WatchedFoldersViewModel::firstFolder() const {
+    return QUrl::fromLocalFile(QString::fromStdString(home_.bytes()));
+}
+
 void WatchedFoldersViewModel::rescanAll() {
     model_.run(model_.scanAllFolders(true));
 }

@@ -33,6 +33,7 @@ class WatchedFoldersViewModel final : public QObject {
     Q_PROPERTY(bool canRemove READ canRemove NOTIFY selectionChanged)
     Q_PROPERTY(bool isImporting READ isImporting WRITE setImporting NOTIFY importingChanged)
     Q_PROPERTY(QString importError READ importError NOTIFY importingChanged)
+    Q_PROPERTY(QUrl firstFolder READ firstFolder CONSTANT)
 
 public:
     /// The first three outlive the view model. `home` is what "~" stands for.
@@ -57,6 +58,9 @@ public:
     void setImporting(bool isImporting);
     /// Why what was typed is no folder to add; empty when it may be.
     [[nodiscard]] QString importError() const { return importError_; }
+
+    /// Where a chooser begins: at home.
+    [[nodiscard]] QUrl firstFolder() const;
 
     /// Adds the folder and ends the choosing. What names no folder stays where it was typed, with the reason.
     Q_INVOKABLE void addTyped(const QString& path);

@@ -82,7 +82,6 @@ T.ComboBox {
         font: control.font
         highlighted: control.highlightedIndex === index
         Accessible.name: text
-        Accessible.role: Accessible.MenuItem
         Accessible.checked: control.currentIndex === index
         Accessible.onPressAction: control.choose(index)
         contentItem: Text {

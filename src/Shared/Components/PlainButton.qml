@@ -19,7 +19,9 @@ T.Button {
     font: Theme.bodyFont
     opacity: enabled ? 1 : Theme.disabledOpacity
     Accessible.name: text
-    Accessible.description: help
+    // Qt 6.4 tells assistive technology nothing of a control that is disabled.
+    Accessible.description: enabled ? help : qsTr("Not available now")
+    Accessible.focusable: enabled
     Accessible.onPressAction: if (control.enabled) control.clicked()
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
