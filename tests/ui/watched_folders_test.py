@@ -65,6 +65,18 @@ class WatchedFolders(UITestCase):
         app.wait_gone("Add folder", role="dialog")
         app.find("Nothing is being watched")
 
+    def test_changes_nothing_when_the_chooser_is_cancelled(self):
+        app = self.start()
+        app.press(app.find("Add folder", role="push button"))
+        app.find("Add folder", role="dialog")
+        app.press(app.find("Choose…", role="push button"))
+        app.wait(lambda: len(app.find_all("Add folder", role="dialog")) == 2, "the chooser over the sheet")
+        app.key("Escape")
+        app.wait(lambda: len(app.find_all("Add folder", role="dialog")) == 1, "the sheet alone")
+        app.key("Escape")
+        app.wait_gone("Add folder", role="dialog")
+        app.find("Nothing is being watched")
+
     def test_removes_the_selected_folder_and_only_then_can(self):
         app = self.start()
         self.add(app, self.code)

@@ -122,7 +122,8 @@ class Worktrees(UITestCase):
         app.press(app.find("Chart-Room", role="list item"))
         app.press(app.find("Pin", role="push button"))
         app.find("Unpin", role="push button")
-        app.find("Pinned", below=app.find("Chart-Room", role="list item"))
+        # The row may be made anew while one looks, so it is looked for again each time.
+        app.wait(lambda: app.find_now("Pinned", below=app.find("Chart-Room", role="list item")), "the pin in its row")
         app.press(app.find("Unpin", role="push button"))
         app.find("Pin", role="push button")
 

@@ -88,6 +88,10 @@ TEST_F(WatchedFoldersScreen, KeepsTheSheetWithTheReasonWhenThereIsNoSuchFolder) 
     EXPECT_EQ(screen.importError(), "");
 }
 
+TEST_F(WatchedFoldersScreen, LetsTheChooserBeginAtHome) {
+    EXPECT_EQ(screen.firstFolder().toLocalFile().toStdString(), app.home.path().bytes());
+}
+
 TEST_F(WatchedFoldersScreen, ChangesNothingWhenTheChoosingIsCancelled) {
     screen.setImporting(true);
     screen.setImporting(false);
