@@ -1,6 +1,7 @@
 #include "Models/Storage.h"
 
 #include "Models/JSONFields.h"
+#include "Shared/Formatting/ByteFormatting.h"
 
 #include <algorithm>
 
@@ -96,6 +97,32 @@ std::optional<ThresholdMode> thresholdModeFromRawValue(std::string_view text) {
     for (const ThresholdMode mode :
          {ThresholdMode::smart, ThresholdMode::percentage, ThresholdMode::absolute})
         if (rawValue(mode) == text) return mode;
+    return std::nullopt;
+}
+
+double rawValue(ThresholdPreset preset) {
+    switch (preset) {
+        case ThresholdPreset::fivePercent:
+            return 0.05;
+        case ThresholdPreset::tenPercent:
+            return 0.10;
+        case ThresholdPreset::fifteenPercent:
+            return 0.15;
+        case ThresholdPreset::twentyPercent:
+            return 0.20;
+        case ThresholdPreset::twentyFivePercent:
+            return 0.25;
+    }
+    return 0;
+}
+
+std::string title(ThresholdPreset preset) {
+    return ByteFormatting::percentString(rawValue(preset));
+}
+
+std::optional<ThresholdPreset> thresholdPresetFromRawValue(double fraction) {
+    for (const ThresholdPreset preset : allThresholdPresets)
+        if (rawValue(preset) == fraction) return preset;
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include "Shared/Paths/FilePath.h"
 #include "Shared/Time/Date.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -56,5 +57,17 @@ enum class ThresholdMode { smart, percentage, absolute };
 [[nodiscard]] std::string_view rawValue(ThresholdMode mode);
 [[nodiscard]] std::string_view title(ThresholdMode mode);
 [[nodiscard]] std::optional<ThresholdMode> thresholdModeFromRawValue(std::string_view text);
+
+/// The fractions of the capacity that are offered for a limit. Another fraction is as valid, only not
+/// offered.
+enum class ThresholdPreset { fivePercent, tenPercent, fifteenPercent, twentyPercent, twentyFivePercent };
+
+inline constexpr std::array allThresholdPresets{
+    ThresholdPreset::fivePercent, ThresholdPreset::tenPercent, ThresholdPreset::fifteenPercent,
+    ThresholdPreset::twentyPercent, ThresholdPreset::twentyFivePercent};
+
+[[nodiscard]] double rawValue(ThresholdPreset preset);    ///< the fraction
+[[nodiscard]] std::string title(ThresholdPreset preset);  ///< "5%", in the user's locale
+[[nodiscard]] std::optional<ThresholdPreset> thresholdPresetFromRawValue(double fraction);
 
 }  // namespace cairnfield

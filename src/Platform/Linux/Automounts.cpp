@@ -1,5 +1,7 @@
 #include "Platform/Linux/Automounts.h"
 
+#include "Platform/Linux/MountTable.h"
+
 #include <array>
 #include <fstream>
 #include <iterator>
@@ -10,27 +12,6 @@
 namespace cairnfield {
 
 namespace {
-
-bool isOctal(char character) {
-    return character >= '0' && character <= '7';
-}
-
-/// Blanks, tabs, newlines and backslashes stand in the file as a backslash and three octal digits.
-std::string unescaped(std::string_view field) {
-    std::string plain;
-    for (std::size_t i = 0; i < field.size(); ++i) {
-        const bool escape = field[i] == '\\' && i + 3 < field.size() && isOctal(field[i + 1]) &&
-                            isOctal(field[i + 2]) && isOctal(field[i + 3]);
-        if (!escape) {
-            plain += field[i];
-            continue;
-        }
-        plain +=
-            static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + (field[i + 3] - '0'));
-        i += 3;
-    }
-    return plain;
-}
 
 bool isAtOrBelow(std::string_view path, std::string_view directory) {
     if (!path.starts_with(directory)) return false;
@@ -47,7 +28,7 @@ bool hasAutomountBelow(std::string_view mountinfo, const FilePath& directory) {
         const std::size_t newline = mountinfo.rfind('\n', at);
         std::string_view line = mountinfo.substr(newline == std::string_view::npos ? 0 : newline + 1);
         for (int field = 0; field < fieldsBeforeMountPoint; ++field) line.remove_prefix(line.find(' ') + 1);
-        if (isAtOrBelow(unescaped(line.substr(0, line.find(' '))), directory.bytes())) return true;
+        if (isAtOrBelow(unescapedMountField(line.substr(0, line.find(' '))), directory.bytes())) return true;
     }
     return false;
 }

@@ -103,6 +103,10 @@ std::optional<Date> dateFromISO8601(std::string_view text) {
     return instant;
 }
 
+Date distantFuture() {
+    return std::chrono::floor<std::chrono::seconds>(Date::max());
+}
+
 double secondsBetween(Date earlier, Date later) {
     // The difference of two far-off dates does not fit into nanoseconds; whole seconds and the rest always
     // do.

@@ -31,6 +31,9 @@ public:
 /// zone. Absent for anything else, and for a date outside 1677 to 2262, which a Date cannot hold.
 [[nodiscard]] std::optional<Date> dateFromISO8601(std::string_view text);
 
+/// Later than anything that will happen: the last whole second that a Date can hold.
+[[nodiscard]] Date distantFuture();
+
 /// Seconds from `earlier` to `later`, negative when they stand the other way round.
 [[nodiscard]] double secondsBetween(Date earlier, Date later);
 

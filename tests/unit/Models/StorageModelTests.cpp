@@ -1,9 +1,13 @@
 #include "Models/Storage.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace cairnfield {
 namespace {
@@ -69,6 +73,23 @@ TEST(ThresholdMode, HasItsWordsAndIsReadBack) {
         EXPECT_EQ(thresholdModeFromRawValue(rawValue(mode)), mode);
     EXPECT_EQ(thresholdModeFromRawValue("Smart"), std::nullopt);
     EXPECT_EQ(thresholdModeFromRawValue(""), std::nullopt);
+}
+
+TEST(ThresholdPreset, OffersFiveFractions) {
+    std::vector<double> fractions;
+    std::vector<std::string> titles;
+    for (const ThresholdPreset preset : allThresholdPresets) {
+        fractions.push_back(rawValue(preset));
+        titles.push_back(title(preset));
+        EXPECT_EQ(thresholdPresetFromRawValue(rawValue(preset)), preset);
+    }
+    EXPECT_THAT(fractions, testing::ElementsAre(0.05, 0.10, 0.15, 0.20, 0.25));
+    EXPECT_THAT(titles, testing::ElementsAre("5%", "10%", "15%", "20%", "25%"));
+}
+
+TEST(ThresholdPreset, IsNoneForAnotherFraction) {
+    for (const double fraction : {0.0, 0.051, 0.12, 0.5, 1.0, -0.05, std::nan("")})
+        EXPECT_EQ(thresholdPresetFromRawValue(fraction), std::nullopt) << fraction;
 }
 
 }  // namespace

@@ -1,0 +1,19 @@
+#pragma once
+// The kernel's table of mounts, in the text form of a mountinfo file. Pure functions.
+
+#include "Shared/Paths/FilePath.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace cairnfield {
+
+/// Blanks, tabs, newlines and backslashes stand in the table as a backslash and three octal digits.
+[[nodiscard]] std::string unescapedMountField(std::string_view field);
+
+/// What is mounted at exactly this directory: a device, or whatever else the file system calls its source.
+/// The topmost one where several are mounted over each other.
+[[nodiscard]] std::optional<FilePath> sourceOfMount(std::string_view mountinfo, const FilePath& mountPoint);
+
+}  // namespace cairnfield
