@@ -92,6 +92,13 @@ Group groupOf(SafetyDisposition disposition) {
 std::string_view rawValue(WorktreeSafety safety) {
     return verdictOf(safety).rawValue;
 }
+std::optional<WorktreeSafety> worktreeSafetyFromRawValue(std::string_view text) {
+    for (int number = 0; number <= static_cast<int>(WorktreeSafety::manualReview); ++number) {
+        const auto safety = static_cast<WorktreeSafety>(number);
+        if (rawValue(safety) == text) return safety;
+    }
+    return std::nullopt;
+}
 std::string_view explanation(WorktreeSafety safety) {
     return verdictOf(safety).explanation;
 }

@@ -3,6 +3,7 @@
 // values.
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace cairnfield {
@@ -42,6 +43,7 @@ inline constexpr std::array allDispositions{
     SafetyDisposition::inUse,       SafetyDisposition::needsReview,       SafetyDisposition::cannotClean};
 
 [[nodiscard]] std::string_view rawValue(WorktreeSafety safety);
+[[nodiscard]] std::optional<WorktreeSafety> worktreeSafetyFromRawValue(std::string_view text);
 /// One sentence that tells a person what the verdict means.
 [[nodiscard]] std::string_view explanation(WorktreeSafety safety);
 [[nodiscard]] SafetyDisposition disposition(WorktreeSafety safety);
