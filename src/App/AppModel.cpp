@@ -1,11 +1,13 @@
 #include "App/AppModel.h"
 
-#include "Services/Storage/ThresholdRecommendationService.h"
-#include "Shared/Concurrency/CurrentTask.h"
+#include "App/NotificationCenterDelegate.h"
+#include "Platform/NotificationCenter.h"
+#include "Services/FileSystem/ChangeDebouncer.h"
+#include "Services/FileSystem/FileSystemEventMonitoring.h"
+#include "Services/Notifications/NotificationDelivering.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace cairnfield {
@@ -28,64 +30,49 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
       environment_(std::move(environment)),
       scanner_(environment_.pool, environment_.walking, environment_.treeMeasurer, environment_.wallClock),
       folderStore_(environment_.pool, environment_.support, environment_.wallClock),
+      historyStore_(environment_.pool, environment_.support),
       activityDetector_(environment_.wallClock),
+      answering_(static_cast<NotificationAnswering*>(this), [](NotificationAnswering*) {}),
       operations_(logUnexpectedFailure) {}
 
 AppModel::~AppModel() = default;
 
-StorageThresholds AppModel::thresholds() const {
-    return settings_.thresholds(state_.storage.get());
-}
-
-StorageLevel AppModel::storageLevel() const {
-    const std::optional<StorageSnapshot>& snapshot = state_.storage.get();
-    if (!snapshot) return StorageLevel::normal;
-    return ThresholdRecommendationService::level(snapshot->availableCapacity, thresholds());
-}
-
 Task<> AppModel::start() {
-    if (reconcileTask_) co_return;
+    if (monitorTask_) co_return;
     configureGitServices();
+    co_await refreshStorage();
     co_await loadPersistedState();
+    co_await listenToAnswers();
     if (settings_.monitoringEnabled.get()) startMonitoring();
     co_await refreshIntegrations();
 }
 
+Task<> AppModel::listenToAnswers() {
+    notificationDelegate_ = std::make_shared<NotificationCenterDelegate>(answering_, environment_.application,
+                                                                         environment_.workspace);
+    NotificationCenterDelegate::install(notificationDelegate_, environment_.notificationCenter);
+    co_await environment_.notifications.registerCategories();
+}
+
 Task<> AppModel::stop() {
+    isEnding_ = true;
     operations_.cancel();
+    answering_.reset();
+    environment_.notificationCenter.onResponse(nullptr);
+    if (eventMonitor_) {
+        eventMonitor_->stop();
+        co_await eventMonitor_->finished();
+    }
+    if (debouncer_) co_await debouncer_->finished();
     co_await scanner_.stop();
     co_await operations_.join();
 }
 
 Task<> AppModel::loadPersistedState() {
+    std::vector<StorageHistorySample> history = co_await historyStore_.samples();
+    state_.storageHistory.set(std::move(history));
     co_await reloadFolders();
-}
-
-void AppModel::startMonitoring() {
-    assertIsolated();
-    if (state_.isMonitoring.get()) return;
-    state_.isMonitoring.set(true);
-    startReconciliation();
-}
-
-void AppModel::pauseMonitoring() {
-    assertIsolated();
-    std::exchange(reconcileTask_, {}).cancel();
-    cancelSizing();
-    state_.isMonitoring.set(false);
-}
-
-void AppModel::startReconciliation() {
-    if (reconcileTask_) return;
-    reconcileTask_ = operations_.add(environment_.mainThread, reconcile());
-}
-
-Task<> AppModel::reconcile() {
-    for (;;) {
-        const std::int64_t hours = std::max<std::int64_t>(settings_.reconcileIntervalHours.get(), 1);
-        co_await environment_.continuousClock.sleep(std::chrono::hours(hours));
-        co_await scanAllFolders(false);
-    }
+    restartFileSystemWatching();
 }
 
 void AppModel::run(Task<> operation) {

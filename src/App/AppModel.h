@@ -5,93 +5,103 @@
 // at those points. Operations do not throw, but where one says so: what goes wrong stands in a published text
 // or in the log.
 //
-// One class, one header, a source for each concern: AppModel.cpp (construction, start, monitoring),
-// AppModelFolders.cpp, AppModelWorktrees.cpp (git services, refresh, sizing, pins).
+// One class, one header, a source for each concern: AppModel.cpp (construction, start, stop), and, by their
+// names, Monitoring (loops, reading the volume), Alerts (what is news, and its delivery), Watching (file
+// events), Folders, Worktrees (git services, refresh, sizing, pins) and Settings (what a switch sets off).
 
+#include "App/AppEnvironment.h"
 #include "App/AppState.h"
-#include "Persistence/ApplicationSupport.h"
+#include "App/NotificationAnswering.h"
 #include "Persistence/SettingsStore.h"
+#include "Persistence/StorageHistoryStore.h"
 #include "Persistence/WatchedFolderStore.h"
-#include "Platform/TreeMeasuring.h"
 #include "Services/FileSystem/DirectorySizeScanner.h"
 #include "Services/Git/ActivityDetecting.h"
 #include "Services/Git/WorktreeCatalog.h"
-#include "Services/Permissions/PathAuthorization.h"
-#include "Services/Process/ProcessRunning.h"
-#include "Shared/Concurrency/ContinuousClock.h"
 #include "Shared/Concurrency/TaskScope.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 namespace cairnfield {
 
-/// What the model needs from outside; all of it outlives the model. Main chooses the implementations.
-struct AppEnvironment {
-    Executor& mainThread;
-    Executor& pool;      ///< for actors and other work that never blocks
-    Executor& blocking;  ///< for short blocking work, such as listing directories
-    Executor& walking;   ///< for measuring trees
-    ContinuousClock& continuousClock;
-    const WallClock& wallClock;
-    ProcessRunning& processRunner;
-    TreeMeasuring& treeMeasurer;
-    const PathAuthorizing& authorization;
-    ApplicationSupport support;
-};
+class ChangeDebouncer;
+class FileSystemEventMonitoring;
+class NotificationCenterDelegate;
+struct NotificationRequestPayload;
 
-class AppModel final : public Isolated {
+class AppModel final : public Isolated, private NotificationAnswering {
 public:
     AppModel(SettingsStore& settings, AppEnvironment environment);
-    /// stop() must have finished.
-    ~AppModel();
+    ~AppModel() override;  ///< stop() must have finished
 
     [[nodiscard]] const AppState& state() const { return state_; }
     [[nodiscard]] SettingsStore& settings() const { return settings_; }
+    [[nodiscard]] UpdateChecking& updates() const { return environment_.updates; }
 
     // Derived values, worked out when read.
     [[nodiscard]] StorageThresholds thresholds() const;
-    [[nodiscard]] StorageLevel storageLevel() const;               ///< normal while nothing was read
+    [[nodiscard]] StorageLevel storageLevel() const;  ///< of the reading alone; normal without one
+    [[nodiscard]] std::optional<std::int64_t> freeSpaceDelta() const;         ///< bytes, over a day
+    [[nodiscard]] std::vector<StorageHistorySample> freeSpaceSeries() const;  ///< thinned, of a week
+    [[nodiscard]] std::optional<Date> projectedFullDate() const;              ///< from a week's trend
+    [[nodiscard]] std::string menuBarSymbolName() const;
+    [[nodiscard]] std::string menuBarAccessibilityValue() const;
     [[nodiscard]] std::int64_t estimatedReclaimableBytes() const;  ///< 0 before sizing
     [[nodiscard]] std::vector<Worktree> worktreesNeedingAttention() const;
     [[nodiscard]] std::optional<WatchedFolder> largestWatchedFolder() const;
     [[nodiscard]] std::vector<ProjectUsage> projects() const;
+    [[nodiscard]] bool launchAtLoginEnabled() const;  ///< asks the desktop
 
-    /// Once, at launch: finds the tools, loads what was stored, starts monitoring if that is set.
-    Task<> start();
+    Task<> start();  ///< once, at launch
     /// At the program's end: cancels everything under way and returns when it has ended.
     Task<> stop();
 
+    /// The poll, the reconciliation and the watching of file events.
     void startMonitoring();
+    /// Stops all three and sizing, and takes one last reading of the volume.
     void pauseMonitoring();
+    void setMonitoring(bool isOn);  ///< as a person does: the choice is stored
+    /// One reading of the home's volume, with history and the judgement whether it is news. Calls may
+    /// overlap.
+    Task<> refreshStorage();
+    /// The volume, all folders past the cache, all worktrees.
+    Task<> scanNow();
 
     // Folders.
     Task<> addWatchedFolder(FilePath url);
     Task<> removeWatchedFolder(WatchedFolder folder);
-    /// Replaces the stored folder of the same identity.
-    Task<> updateWatchedFolder(WatchedFolder folder);
+    Task<> updateWatchedFolder(WatchedFolder folder);  ///< by its identity
     /// A folder that is being scanned is not scanned a second time. With `force` the cache is not asked.
     Task<> scan(WatchedFolder folder, bool force);
     /// One after another, the enabled folders that are not snoozed.
     Task<> scanAllFolders(bool force);
-    /// The size of any directory, through the one scanner. The one operation here that throws, as
-    /// DirectoryScanning::size does.
+    /// Of any directory. The one operation here that throws, as DirectoryScanning::size does.
     Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);
 
     // Worktrees.
     /// Finds git and gh anew with the present settings. Blocks while it looks.
     Task<> refreshIntegrations();
-    /// Asks git for everything under the enabled folders; sizing follows by itself when asked for. A call
-    /// during a refresh does nothing.
+    /// Asks git for everything under the enabled folders, then sizes. A call during a refresh does nothing.
     Task<> refreshWorktrees(bool includeSizes);
     void startSizing(bool force);
     void cancelSizing();
     /// Returns when sizing, if any is under way, has ended.
     Task<> sizingFinished();
-    /// Looks up the pull requests of the listed worktrees.
-    Task<> refreshRemoteState();
+    Task<> refreshRemoteState();  ///< looks up pull requests
     Task<> togglePin(Worktree worktree);
+
+    // The desktop.
+    /// Asks for leave to notify, and stores the answer as the setting.
+    Task<> enableNotifications();
+    /// Gives what went wrong, which is published too.
+    Task<std::optional<std::string>> deliver(NotificationRequestPayload payload);
+    void snoozeIncident(int hours) override;
+    void ignoreCurrentIncident() override;
+    /// A failure leaves the setting as it was, with a line in the log.
+    void setLaunchAtLogin(bool isOn);
 
     /// Starts an operation that a person asked for and that nobody waits for; it is joined by stop().
     void run(Task<> operation);
@@ -100,9 +110,15 @@ private:
     friend class AppModelStaging;  // tests and previews set the state that a screen shows
 
     Task<> loadPersistedState();
+    Task<> listenToAnswers();
     void configureGitServices();
+    Task<> pollCapacity();
     Task<> reconcile();
-    void startReconciliation();
+    Task<> evaluateIncident(StorageSnapshot snapshot);
+    Task<> evaluateFolderAlerts(WatchedFolder folder);
+    void restartFileSystemWatching();
+    Task<> invalidate(std::set<FilePath> paths);
+    Task<> handleInvalidatedPaths(std::set<FilePath> paths);
     Task<> sizeAll(std::vector<FilePath> paths, bool force, std::uint64_t run);
     Task<> measureFolder(WatchedFolder folder, bool force);
     Task<> reloadFolders();
@@ -112,13 +128,20 @@ private:
     AppState state_;
     DirectorySizeScanner scanner_;
     WatchedFolderStore folderStore_;
+    StorageHistoryStore historyStore_;
     FileSystemActivityDetector activityDetector_;
     std::shared_ptr<GitHubServicing> githubService_;  ///< absent until the tools were looked for
-    std::shared_ptr<WorktreeCatalog>
-        catalog_;  ///< absent while git is unusable; shared with a refresh under way
+    /// Absent while git is unusable; shared with a refresh under way.
+    std::shared_ptr<WorktreeCatalog> catalog_;
+    std::shared_ptr<NotificationAnswering> answering_;  ///< this model, for those who must not keep it alive
+    std::shared_ptr<NotificationCenterDelegate> notificationDelegate_;
+    std::shared_ptr<FileSystemEventMonitoring> eventMonitor_;
+    std::shared_ptr<ChangeDebouncer> debouncer_;
+    TaskHandle<> monitorTask_;
     TaskHandle<> reconcileTask_;
     TaskHandle<> sizingTask_;
     std::uint64_t sizingRun_ = 0;  ///< of the sizing that may touch progress; an abandoned one may not
+    bool isEnding_ = false;
     TaskScope operations_;
 };
 

@@ -1,4 +1,6 @@
 #include "App/AppModel.h"
+#include "Services/Permissions/PathAuthorization.h"
+#include "Shared/Concurrency/Cancelled.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 
@@ -71,6 +73,7 @@ Task<> AppModel::addWatchedFolder(FilePath url) {
     if (failure) co_return;
 
     co_await reloadFolders();
+    restartFileSystemWatching();
     const FilePath standardized = url.standardized();
     const std::vector<WatchedFolder>& folders = state_.watchedFolders.get();
     const auto added = std::ranges::find(folders, standardized, &WatchedFolder::path);
@@ -90,6 +93,7 @@ Task<> AppModel::removeWatchedFolder(WatchedFolder folder) {
     state_.folderError.set(failure);
     co_await reloadFolders();
     state_.folderScanResults.mutate([&](auto& results) { return results.erase(folder.id) > 0; });
+    restartFileSystemWatching();
 }
 
 Task<> AppModel::updateWatchedFolder(WatchedFolder folder) {
@@ -127,7 +131,8 @@ Task<> AppModel::scan(WatchedFolder folder, bool force) {
     co_await reloadFolders();
 }
 
-/// The part of a scan that can fail: access, measuring, and storing the result.
+/// The part of a scan that can fail: access, measuring, and storing the result. Then the alarms, which
+/// cannot.
 Task<> AppModel::measureFolder(WatchedFolder folder, bool force) {
     PathAccessToken token = environment_.authorization.beginAccess(folder.path);
     const ScopedAccess access(std::move(token));
@@ -136,8 +141,10 @@ Task<> AppModel::measureFolder(WatchedFolder folder, bool force) {
         results.insert_or_assign(folder.id, result);
         return true;
     });
-    co_await folderStore_.recordScan(folder.id, result, sampleWindowHours);
+    std::optional<WatchedFolder> updated =
+        co_await folderStore_.recordScan(folder.id, result, sampleWindowHours);
     co_await reloadFolders();
+    if (updated) co_await evaluateFolderAlerts(std::move(*updated));
 }
 
 Task<> AppModel::scanAllFolders(bool force) {

@@ -1,5 +1,6 @@
 #include "App/AppModel.h"
 #include "Services/Git/GitWorktreeInspector.h"
+#include "Services/GitHub/GitHubCLIService.h"
 #include "Services/Process/ExecutableLocator.h"
 #include "Shared/Concurrency/CurrentTask.h"
 #include "Shared/Errors/CairnfieldError.h"
@@ -71,10 +72,8 @@ void AppModel::configureGitServices() {
         environment_.pool, std::make_unique<RepositoryDiscoveryService>(environment_.blocking),
         std::make_unique<GitWorktreeInspector>(runner, scanner_, activityDetector_), runner);
     try {
-        // gh can be found, but nothing here can talk to it yet; until something can, pull requests are not
-        // looked up.
-        (void)locator.locateGitHubCLI();
-        githubService_.reset();
+        githubService_ =
+            std::make_shared<GitHubCLIService>(environment_.processRunner, locator.locateGitHubCLI());
     } catch (const CairnfieldError& error) {
         githubService_ = std::make_shared<UnavailableGitHubService>(error);
     }

@@ -5,9 +5,11 @@
 #include "Models/DirectoryScan.h"
 #include "Models/ProjectUsage.h"
 #include "Models/Storage.h"
+#include "Models/StorageHistory.h"
 #include "Models/WatchedFolder.h"
 #include "Models/Worktree.h"
 #include "Services/GitHub/GitHubServicing.h"
+#include "Services/Storage/StorageIncidentTracker.h"
 #include "Shared/Concurrency/Published.h"
 
 #include <map>
@@ -20,7 +22,9 @@ namespace cairnfield {
 
 struct AppState {
     Published<std::optional<StorageSnapshot>> storage;  ///< the last good reading of the volume
-    Published<bool> isMonitoring{false};                ///< not the stored setting of nearly the same name
+    Published<StorageIncidentTracker> incident;
+    Published<std::vector<StorageHistorySample>> storageHistory;  ///< what the store returned last
+    Published<bool> isMonitoring{false};  ///< not the stored setting of nearly the same name
     Published<std::optional<std::string>> lastStorageError;
 
     Published<std::vector<WatchedFolder>> watchedFolders;              ///< a copy of what the store holds
@@ -38,6 +42,10 @@ struct AppState {
         gitStatusMessage;                        ///< why git is unusable; absent when it was found
     Published<std::optional<FilePath>> gitPath;  ///< where git was found
     Published<GitHubIntegrationStatus> githubStatus{GitHubIntegrationStatus::unavailable()};
+
+    Published<bool> notificationAuthorizationDenied{
+        false};  ///< the last delivery or request for leave failed
+    Published<std::optional<std::string>> lastNotificationError;
 };
 
 }  // namespace cairnfield

@@ -15,11 +15,11 @@ public:
 
     /// Walks `root` (standardized first), never through symbolic links and never into another file system.
     /// Allocated blocks count, under every hard-linked name; links count neither as size nor as file; the
-    /// root's own entry does not count. What cannot be entered is listed in the result and the walk goes on.
-    /// A root that is no directory is weighed alone. Throws CairnfieldError: PathMissing when nothing exists
-    /// at the root, PermissionDenied when it cannot be listed; Cancelled (Shared/Concurrency) soon after
-    /// `stop` is requested; std::system_error when the process runs out of a resource, which is never taken
-    /// for an unreadable directory.
+    /// root's own entry does not count, and a root that is a link is followed. What cannot be entered is
+    /// listed in the result and the walk goes on. A root that is no directory is weighed alone. Throws
+    /// CairnfieldError: PathMissing when nothing exists at the root, PermissionDenied when it cannot be
+    /// listed; Cancelled (Shared/Concurrency) soon after `stop` is requested; std::system_error when the
+    /// process runs out of a resource, which is never taken for an unreadable directory.
     [[nodiscard]] virtual DirectoryScanResult measure(const FilePath& root, std::stop_token stop) = 0;
 
     /// The allocated bytes of one item itself, links not followed. Throws std::system_error.

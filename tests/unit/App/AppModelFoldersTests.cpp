@@ -4,40 +4,15 @@
 #include "Shared/Concurrency/WhenAll.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "support/App/AppHarness.h"
+#include "support/CountingMeasurer.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
 
 namespace cairnfield {
 namespace {
-
-/// Counts walks, and answers with a size that the test sets.
-class CountingMeasurer final : public TreeMeasuring {
-public:
-    explicit CountingMeasurer(const WallClock& clock) : clock_(clock) {}
-
-    DirectoryScanResult measure(const FilePath& root, std::stop_token) override {
-        ++walks;
-        DirectoryScanResult result;
-        result.url = root.standardized();
-        result.totalBytes = bytes;
-        result.scannedAt = clock_.now();
-        for (int item = 0; item < unreadable; ++item)
-            result.permissionErrorPaths.push_back(root.appending("locked" + std::to_string(item)));
-        return result;
-    }
-    std::int64_t allocatedSize(const FilePath&) override { return 0; }
-
-    std::atomic<int> walks = 0;
-    std::atomic<std::int64_t> bytes = 1000;
-    std::atomic<int> unreadable = 0;
-
-private:
-    const WallClock& clock_;
-};
 
 struct Folders : testing::Test {
     SettableWallClock measurerClock{std::chrono::system_clock::now()};
@@ -191,22 +166,12 @@ TEST_F(Folders, TheLargestIsTheFirstOfEqualsAndNeedsASize) {
 
 TEST_F(Folders, WhatWasAddedIsThereAfterARestart) {
     add(projects);
-    AppModel second(app.settings, AppEnvironment{.mainThread = app.loop,
-                                                 .pool = app.pool,
-                                                 .blocking = app.blocking,
-                                                 .walking = app.walking,
-                                                 .continuousClock = app.continuousClock,
-                                                 .wallClock = app.wallClock,
-                                                 .processRunner = app.processRunner,
-                                                 .treeMeasurer = measurer,
-                                                 .authorization = app.authorization,
-                                                 .support = app.support});
     app.settings.monitoringEnabled.set(false);
-    app.run(second.start());
-    ASSERT_EQ(second.state().watchedFolders.get().size(), 1U);
-    EXPECT_EQ(second.state().watchedFolders.get()[0].path, projects);
-    EXPECT_FALSE(second.state().isMonitoring.get());
-    app.run(second.stop());
+    app.restart();
+    EXPECT_TRUE(app.model->state().watchedFolders.get().empty());
+    app.run(app.model->start());
+    EXPECT_EQ(only().path, projects);
+    EXPECT_FALSE(app.model->state().isMonitoring.get());
 }
 
 }  // namespace

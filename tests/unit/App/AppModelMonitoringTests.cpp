@@ -1,29 +1,17 @@
-// Starting, the reconciliation loop on a clock that the test steps, and pausing.
+// The reconciliation loop on a clock that the test steps, and pausing.
 
 #include "support/App/AppHarness.h"
+#include "support/CountingMeasurer.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
 
 namespace cairnfield {
 namespace {
 
-class CountingMeasurer final : public TreeMeasuring {
-public:
-    DirectoryScanResult measure(const FilePath& root, std::stop_token) override {
-        ++walks;
-        DirectoryScanResult result;
-        result.url = root.standardized();
-        return result;  // dated long ago, so that no cache entry is ever fresh
-    }
-    std::int64_t allocatedSize(const FilePath&) override { return 0; }
-
-    std::atomic<int> walks = 0;
-};
-
 struct Monitoring : testing::Test {
-    CountingMeasurer measurer;
+    /// Long ago, so that no cache entry is ever fresh.
+    SettableWallClock measurerClock{Date{}};
+    CountingMeasurer measurer{measurerClock};
     AppHarness app{{.treeMeasurer = &measurer}};
 
     Monitoring() {
@@ -32,7 +20,7 @@ struct Monitoring : testing::Test {
     }
 
     void waitForSleepers(std::size_t count) {
-        app.loop.runUntil([&] { return app.continuousClock.sleepers() == count; });
+        app.waitUntil([&] { return app.continuousClock.sleepers() == count; });
     }
 };
 
@@ -43,21 +31,21 @@ TEST_F(Monitoring, FollowsTheSettingAtStart) {
     EXPECT_EQ(app.continuousClock.sleepers(), 0U);
 }
 
-TEST_F(Monitoring, TwoQuickStartsMakeOneLoop) {
+TEST_F(Monitoring, TwoQuickStartsMakeTheLoopsOnce) {
     app.model->startMonitoring();
     app.model->startMonitoring();
-    waitForSleepers(1);
+    waitForSleepers(2);
     EXPECT_TRUE(app.model->state().isMonitoring.get());
-    EXPECT_EQ(app.continuousClock.sleepers(), 1U);
+    EXPECT_EQ(app.continuousClock.sleepers(), 2U);
 }
 
 TEST_F(Monitoring, ScansEveryReconciliationInterval) {
     app.model->startMonitoring();
-    waitForSleepers(1);
+    waitForSleepers(2);
     app.continuousClock.advance(std::chrono::hours(6) - std::chrono::minutes(1));
     EXPECT_EQ(measurer.walks, 0);
     app.continuousClock.advance(std::chrono::minutes(1));
-    app.loop.runUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 1; });
+    app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
     EXPECT_EQ(measurer.walks, 1);
 }
 
@@ -66,11 +54,11 @@ TEST_F(Monitoring, AnIntervalBelowOneHourIsOneHour) {
         app.settings.reconcileIntervalHours.set(hours);
         measurer.walks = 0;
         app.model->startMonitoring();
-        waitForSleepers(1);
+        waitForSleepers(2);
         app.continuousClock.advance(std::chrono::minutes(59));
         EXPECT_EQ(measurer.walks, 0);
         app.continuousClock.advance(std::chrono::minutes(1));
-        app.loop.runUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 1; });
+        app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
         app.model->pauseMonitoring();
         waitForSleepers(0);
     }
@@ -78,20 +66,20 @@ TEST_F(Monitoring, AnIntervalBelowOneHourIsOneHour) {
 
 TEST_F(Monitoring, AChangedIntervalTakesEffectAtTheNextTurn) {
     app.model->startMonitoring();
-    waitForSleepers(1);
+    waitForSleepers(2);
     app.settings.reconcileIntervalHours.set(1);
     app.continuousClock.advance(std::chrono::hours(5));
     EXPECT_EQ(measurer.walks, 0);
     app.continuousClock.advance(std::chrono::hours(1));
-    app.loop.runUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 1; });
+    app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
     app.continuousClock.advance(std::chrono::hours(1));
-    app.loop.runUntil([&] { return measurer.walks == 2 && app.continuousClock.sleepers() == 1; });
+    app.waitUntil([&] { return measurer.walks == 2 && app.continuousClock.sleepers() == 2; });
     EXPECT_EQ(measurer.walks, 2);
 }
 
 TEST_F(Monitoring, PausingEndsTheLoop) {
     app.model->startMonitoring();
-    waitForSleepers(1);
+    waitForSleepers(2);
     app.model->pauseMonitoring();
     waitForSleepers(0);
     EXPECT_FALSE(app.model->state().isMonitoring.get());
