@@ -3,7 +3,9 @@
 #include "Services/Git/GitPorcelainParser.h"
 #include "driver/ModelCommands.h"
 #include "driver/Program.h"
+#include "driver/StorageCommands.h"
 
+#include <charconv>
 #include <iostream>
 #include <iterator>
 #include <map>
@@ -18,7 +20,7 @@ using ModelWork = std::function<Task<>(AppModel&, JsonLines&)>;
 /// A command that needs the program: starts it, does the work, ends it.
 Command onModel(ModelWork work) {
     return [work = std::move(work)](const Settle& settle, JsonLines& lines) {
-        Program program(settle);
+        Program program(settle, lines);
         program.run([&](AppModel& model) { return work(model, lines); });
     };
 }
@@ -59,6 +61,27 @@ Command inspectCommand(Words words) {
         [inspect](AppModel& model, JsonLines& lines) { return inspectWorktrees(model, lines, inspect); });
 }
 
+Command storageCommand(const Words& words) {
+    words.end();
+    return onModel([](AppModel& model, JsonLines& lines) { return showStorage(model, lines); });
+}
+
+Command monitorCommand(Words words) {
+    const std::vector<std::string> seconds = words.takeValues("--seconds");
+    MonitorWords monitor{.roots = words.takePaths("ROOT")};
+    if (seconds.size() != 1) throw WrongWords("monitor needs one --seconds N");
+    int number = 0;
+    const char* const end = seconds[0].data() + seconds[0].size();
+    const auto [rest, error] = std::from_chars(seconds[0].data(), end, number);
+    if (error != std::errc{} || rest != end || number < 0)
+        throw WrongWords("not a number of seconds: " + seconds[0]);
+    monitor.duration = std::chrono::seconds(number);
+    return [monitor](const Settle& settle, JsonLines& lines) {
+        Program program(settle, lines);
+        program.run([&](AppModel& model) { return monitorFolders(program, model, lines, monitor); });
+    };
+}
+
 Command integrationsCommand(const Words& words) {
     words.end();
     return onModel([](AppModel& model, JsonLines& lines) { return showIntegrations(model, lines); });
@@ -88,7 +111,8 @@ Command commandFrom(Words words) {
         {"add", addCommand},         {"folders", [](Words rest) { return foldersCommand(rest); }},
         {"remove", removeCommand},   {"scan", scanCommand},
         {"inspect", inspectCommand}, {"integrations", [](Words rest) { return integrationsCommand(rest); }},
-        {"parse", parseCommand},
+        {"parse", parseCommand},     {"storage", [](Words rest) { return storageCommand(rest); }},
+        {"monitor", monitorCommand},
     };
     const std::string name = words.take("a command");
     const auto found = commands.find(name);
@@ -104,6 +128,8 @@ std::string usage() {
            "  scan PATH [--fresh]\n"
            "  inspect ROOT... [--pin PATH]... [--sizes] [--pull-requests]\n"
            "  integrations\n"
+           "  storage\n"
+           "  monitor ROOT... --seconds N\n"
            "  parse status|worktree-list|submodules\n";
 }
 

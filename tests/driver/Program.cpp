@@ -1,22 +1,42 @@
 #include "driver/Program.h"
 
+#include "Platform/Linux/AutostartEntry.h"
 #include "Platform/Linux/BaseDirectories.h"
 #include "Platform/Linux/DescriptorLimit.h"
 #include "Platform/Linux/FileUserDefaults.h"
+#include "Platform/Linux/InotifyEventStreams.h"
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
+#include "Platform/Linux/LinuxVolumeInformation.h"
+#include "Services/Notifications/SystemNotificationService.h"
+#include "Services/Permissions/LaunchAtLoginService.h"
 #include "Services/Permissions/PathAuthorization.h"
 #include "Services/Process/SystemProcessRunner.h"
+#include "Services/Storage/SystemVolumeCapacityReader.h"
+#include "Services/Updates/DisabledUpdateService.h"
 #include "Shared/Concurrency/Reactor.h"
 #include "Shared/Concurrency/RunBlocking.h"
 #include "Shared/Concurrency/ThreadPool.h"
+#include "driver/PrintedDesktop.h"
 
 #include <csignal>
 #include <exception>
+#include <filesystem>
 
 namespace cairnfield {
 
+namespace {
+
+FilePath programPath() {
+    std::error_code ignored;
+    return FilePath(std::filesystem::read_symlink("/proc/self/exe", ignored).native());
+}
+
+}  // namespace
+
 struct Program::Parts {
+    explicit Parts(JsonLines& lines) : notificationCenter(lines), application(lines), workspace(lines) {}
+
     BaseDirectories directories = BaseDirectories::current();
     ApplicationSupport support{directories.dataHome, directories.configHome};
     RunLoop loop;
@@ -30,18 +50,40 @@ struct Program::Parts {
     SystemProcessRunner processRunner{children, continuousClock, pool};
     LinuxTreeMeasurer treeMeasurer{walking, wallClock};
     DirectDistributionPathAuthorization authorization;
+    LinuxVolumeInformation volumes;
+    SystemVolumeCapacityReader capacityReader{volumes, wallClock};
+    InotifyEventStreams fileEventStreams{reactor, blocking};
+    PrintedNotificationCenter notificationCenter;
+    SystemNotificationService notifications{notificationCenter};
+    AutostartEntry autostartEntry{directories.configHome, programPath()};
+    LaunchAtLoginService launchAtLogin{autostartEntry};
+    DisabledUpdateService updates;
+    PrintedApplication application;
+    PrintedWorkspace workspace;
     FileUserDefaults defaults{support.settingsFile()};
     SettingsStore settings{defaults};
 };
 
-Program::Program(const std::function<void(SettingsStore&)>& settle) {
+Program::Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines) {
     std::signal(SIGPIPE, SIG_IGN);
     raiseDescriptorLimit();
-    parts_ = std::make_unique<Parts>();
+    parts_ = std::make_unique<Parts>(lines);
     settle(parts_->settings);
 }
 
 Program::~Program() = default;
+
+PrintedNotificationCenter& Program::notificationCenter() {
+    return parts_->notificationCenter;
+}
+
+ContinuousClock& Program::continuousClock() {
+    return parts_->continuousClock;
+}
+
+Reactor& Program::reactor() {
+    return parts_->reactor;
+}
 
 void Program::run(const std::function<Task<>(AppModel&)>& work) {
     Parts& parts = *parts_;
@@ -54,7 +96,16 @@ void Program::run(const std::function<Task<>(AppModel&)>& work) {
                                                   .processRunner = parts.processRunner,
                                                   .treeMeasurer = parts.treeMeasurer,
                                                   .authorization = parts.authorization,
-                                                  .support = parts.support});
+                                                  .capacityReader = parts.capacityReader,
+                                                  .fileEventStreams = parts.fileEventStreams,
+                                                  .notifications = parts.notifications,
+                                                  .notificationCenter = parts.notificationCenter,
+                                                  .launchAtLogin = parts.launchAtLogin,
+                                                  .updates = parts.updates,
+                                                  .application = parts.application,
+                                                  .workspace = parts.workspace,
+                                                  .support = parts.support,
+                                                  .home = parts.directories.home});
     runToEnd(parts.loop, model.start());
     std::exception_ptr failure;
     try {

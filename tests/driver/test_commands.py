@@ -17,7 +17,6 @@ class WrongWords(DriverCase):
 
     def test_no_command_and_unknown_ones_are_refused(self):
         self.refused()
-        self.refused("storage")
         self.refused("inspekt", str(self.root))
 
     def test_unknown_and_missing_words_are_refused(self):
