@@ -9,7 +9,7 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <utility>
+#include <cstdlib>
 
 namespace cairnfield {
 
@@ -25,20 +25,24 @@ std::vector<QRect> usableScreens() {
 
 }  // namespace
 
-MainWindow::MainWindow(QVariantMap content, UserDefaults& defaults)
-    : content_(std::move(content)), defaults_(defaults) {}
-
 MainWindow::~MainWindow() {
     release();
 }
 
 bool MainWindow::show() {
+    if (isClosing_) release();
     if (!window_) create();
     if (!window_) return false;
+    if (window_->windowStates().testFlag(Qt::WindowMinimized))
+        window_->setWindowStates(window_->windowStates() & ~Qt::WindowStates(Qt::WindowMinimized));
     window_->show();
     window_->raise();
     window_->requestActivate();
     return true;
+}
+
+void MainWindow::bringForward() {
+    if (!show()) QCoreApplication::exit(EXIT_FAILURE);
 }
 
 void MainWindow::create() {
@@ -63,6 +67,7 @@ void MainWindow::release() {
     rememberFrame();
     window_->removeEventFilter(this);
     window_ = nullptr;
+    isClosing_ = false;
     engine_.reset();
 }
 
@@ -72,8 +77,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if ((event->type() == QEvent::Resize || event->type() == QEvent::Move) && isNormal)
         normalPlace_ = window_->geometry();
     if (event->type() == QEvent::Close) {
+        isClosing_ = true;
         // Not within the window's own event: the engine goes with it.
         QTimer::singleShot(0, this, [this] {
+            if (!isClosing_) return;  // it was asked for again meanwhile
             release();
             emit closed();
         });

@@ -50,32 +50,43 @@ def wait_for(condition, what, patience=PATIENCE):
 
 
 class App:
-    """One run of the program."""
+    """One run of the program, with its window unless the test says that it opens none."""
 
-    def __init__(self, environment=None):
+    def __init__(self, environment=None, arguments=(), opens_window=True):
         self.log = open(os.path.join(os.environ["HOME"], "program.log"), "w+", encoding="utf-8", errors="replace")
         self.process = subprocess.Popen(
-            [os.environ["CAIRNFIELD_PROGRAM"]], env={**os.environ, **(environment or {})}, stdin=subprocess.DEVNULL,
+            [os.environ["CAIRNFIELD_PROGRAM"], *arguments], env={**os.environ, **(environment or {})}, stdin=subprocess.DEVNULL,
             stdout=self.log, stderr=self.log)
-        self.root = None
-        self.frame = self.wait(self._find_frame, "the window on the accessibility bus")
-        self.window = self.wait(self._find_window, "the window on the display")
-        subprocess.run(["xdotool", "windowfocus", "--sync", self.window], check=True)
-        self.wait(lambda: self.has_state(self.frame, "active"), "the window to become active")
+        self.root = self.frame = self.window = None
+        if opens_window:
+            self.wait_window()
 
-    def _find_frame(self):
+    def wait_window(self):
+        """Until the window is there, for the first time or again."""
+        self.frame = self.wait(self.frame_named, "the window on the accessibility bus")
+        self.window = self.wait(self.window_named, "the window on the display")
+        self.focus(self.window, self.frame)
+
+    def focus(self, window, frame):
+        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        self.wait(lambda: self.has_state(frame, "active"), "the window to become active")
+
+    def frame_named(self, name=NAME):
+        """The open window of this title on the accessibility bus."""
         if self.process.poll() is not None:
             raise AssertionError(f"the program ended with {self.process.returncode}:\n{self.log_text()}")
         desktop = pyatspi.Registry.getDesktop(0)
         for child in desktop:
             if child is not None and child.name == NAME and child.get_process_id() == self.process.pid:
                 self.root = child
-                return next((f for f in child if f is not None and f.getRoleName() == "frame"), None)
+                child.clear_cache()
+                return next((f for f in child if f is not None and f.getRoleName() == "frame" and f.name == name), None)
         return None
 
-    def _find_window(self):
+    def window_named(self, name=NAME):
+        """The same on the display."""
         found = subprocess.run(
-            ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name", f"^{NAME}$"],
+            ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid), "--name", f"^{name}$"],
             capture_output=True, text=True, check=False).stdout.split()
         return found[0] if found else None
 
@@ -155,10 +166,10 @@ class App:
         """What the keyboard speaks to: the innermost, since the views round it say so too."""
         return next((node for node in reversed(list(self.nodes())) if self.has_state(node, "focused")), None)
 
-    def picture(self, name):
+    def picture(self, name, window=None):
         """A picture of the window, for people to look at."""
         path = os.path.join(os.environ["CAIRNFIELD_UI_PICTURES"], name + ".png")
-        subprocess.run(["import", "-window", self.window, path], check=True)
+        subprocess.run(["import", "-window", window or self.window, path], check=True)
         return path
 
     def tree(self, below=None, depth=0):
@@ -196,8 +207,8 @@ class UITestCase(unittest.TestCase):
     def setUp(self):
         self.home = os.environ["HOME"]
 
-    def start(self, environment=None):
-        app = App(environment)
+    def start(self, environment=None, arguments=(), opens_window=True):
+        app = App(environment, arguments, opens_window)
         self.addCleanup(app.close)
         return app
 

@@ -1,7 +1,9 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import Cairnfield.Appearance
 import Cairnfield.Components
+import Cairnfield.Preferences
 import Cairnfield.Root
 import Cairnfield.WatchedFolders
 import Cairnfield.Worktrees
@@ -14,6 +16,7 @@ ApplicationWindow {
     required property AppearanceViewModel appearance
     required property WorktreesViewModel worktrees
     required property WatchedFoldersViewModel watchedFolders
+    required property PreferencesViewModel preferences
 
     title: qsTr("Cairnfield")
     width: Theme.windowWidth
@@ -38,30 +41,8 @@ ApplicationWindow {
     palette.mid: Theme.border
     palette.dark: Theme.textSecondary
 
-    Binding {
-        target: Theme
-        property: "dark"
-        value: window.appearance.isDark
-    }
-    Binding {
-        target: Theme
-        property: "highContrast"
-        value: window.appearance.prefersHighContrast
-    }
-    Binding {
-        target: Theme
-        property: "reducedMotion"
-        value: window.appearance.prefersReducedMotion
-    }
-    Binding {
-        target: Theme
-        property: "desktopAccent"
-        value: window.appearance.accentColor
-    }
-    Binding {
-        target: Theme
-        property: "fixedFontFamily"
-        value: window.appearance.fixedFontFamily
+    ThemeAppearance {
+        appearance: window.appearance
     }
 
     RootView {
@@ -71,6 +52,7 @@ ApplicationWindow {
         viewModel: window.viewModel
         worktrees: window.worktrees
         watchedFolders: window.watchedFolders
+        preferences: window.preferences
     }
 
     Instantiator {

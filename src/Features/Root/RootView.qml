@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Cairnfield.Components
+import Cairnfield.Preferences
 import Cairnfield.Root
 import Cairnfield.WatchedFolders
 import Cairnfield.Worktrees
@@ -12,6 +13,7 @@ FocusScope {
     required property RootViewModel viewModel
     required property WorktreesViewModel worktrees
     required property WatchedFoldersViewModel watchedFolders
+    required property PreferencesViewModel preferences
     readonly property ScreenView screen: loader.item as ScreenView
 
     focus: true
@@ -87,6 +89,8 @@ FocusScope {
                 return worktreesScreen;
             case "watchedFolders":
                 return watchedFoldersScreen;
+            case "preferences":
+                return preferencesScreen;
             default:
                 return placeholder;
             }
@@ -111,6 +115,13 @@ FocusScope {
 
         WatchedFoldersView {
             viewModel: root.watchedFolders
+        }
+    }
+    Component {
+        id: preferencesScreen
+
+        PreferencesView {
+            viewModel: root.preferences
         }
     }
     Component {

@@ -1,4 +1,4 @@
-#include "Features/Root/AppearanceViewModel.h"
+#include "Features/Appearance/AppearanceViewModel.h"
 
 #include <QFontDatabase>
 

@@ -1,0 +1,39 @@
+#include "Main/Desktop.h"
+
+#include "Main/ActivationToken.h"
+#include "Shared/Components/SymbolTable.h"
+
+#include <QFile>
+#include <QIcon>
+
+namespace cairnfield {
+
+namespace {
+
+constexpr int notificationPictureSize = 64;
+
+QByteArray symbolPicture(const std::string& symbolName) {
+    const std::string_view name = symbolFile(symbolName);
+    QFile file(QStringLiteral(":/qt/qml/Cairnfield/Components/icons/%1.svg")
+                   .arg(QLatin1StringView(name.data(), static_cast<qsizetype>(name.size()))));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QImage programPicture() {
+    return QIcon(QStringLiteral(":/icons/cairnfield.svg"))
+        .pixmap(notificationPictureSize, notificationPictureSize)
+        .toImage();
+}
+
+}  // namespace
+
+Desktop::Desktop(const QDBusConnection& bus, Machine& machine, const BaseDirectories& directories)
+    : appearance(bus),
+      workspace(bus, LinuxWorkspace::standardPlaces()),
+      statusItem(bus, symbolPicture),
+      notificationCenter(bus, machine.continuousClock, machine.mainThread, programPicture()),
+      autostart(directories.configHome, runningProgram()) {
+    notificationCenter.onActivationToken(useActivationToken);
+}
+
+}  // namespace cairnfield
