@@ -36,6 +36,7 @@ ScreenView {
     }
 
     onVisibleChanged: if (visible) viewModel.refreshDates()
+    Component.onCompleted: viewModel.refreshDates()
 
     ColumnLayout {
         anchors.fill: parent

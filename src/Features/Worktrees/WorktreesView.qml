@@ -24,6 +24,7 @@ ScreenView {
     }
 
     onVisibleChanged: if (visible) viewModel.refreshDates()
+    Component.onCompleted: viewModel.refreshDates()
 
     EmptyStateView {
         anchors.fill: parent

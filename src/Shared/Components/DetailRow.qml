@@ -1,13 +1,15 @@
 import QtQuick
 import QtQuick.Layouts
 
-// A label on the left and its value at the trailing edge. The value is `value`, or any view given as the child.
+// A label on the left and its value at the trailing edge. The value is `value`, or any view given as the child. A label that
+// may be long gives way to the value with `elidesLabel`.
 RowLayout {
     id: row
 
     required property string label
     property string value
     property font valueFont: Theme.bodyFont
+    property bool elidesLabel: false
     default property alias content: holder.data
 
     spacing: Theme.spaceLarge
@@ -15,13 +17,25 @@ RowLayout {
     Accessible.name: row.value === "" ? row.label : row.label + ": " + row.value
 
     InfoText {
+        id: labelText
+
         Layout.alignment: Qt.AlignTop
+        Layout.fillWidth: row.elidesLabel
         text: row.label
         color: Theme.textSecondary
         wrapMode: Text.NoWrap
+        elide: row.elidesLabel ? Text.ElideMiddle : Text.ElideNone
+
+        HoverHandler {
+            id: pointer
+        }
+        Tip {
+            text: row.label
+            shown: labelText.truncated && pointer.hovered
+        }
     }
     InfoText {
-        Layout.fillWidth: true
+        Layout.fillWidth: !row.elidesLabel
         text: row.value
         font: row.valueFont
         horizontalAlignment: Text.AlignRight

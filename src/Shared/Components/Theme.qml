@@ -70,6 +70,8 @@ QtObject {
     readonly property int controlRadius: 6
     readonly property int focusRingWidth: 2
     readonly property int barHeight: 4
+    readonly property int switchHeight: 22
+    readonly property int switchWidth: 40
     readonly property int controlHeight: Math.max(32, Math.ceil(basePointSize * 2.8))
     readonly property int iconSize: 16
     readonly property int iconSizeLarge: 24
@@ -83,12 +85,15 @@ QtObject {
     readonly property int sidebarWidth: 208
     readonly property int sidebarWidthCollapsed: 56
     readonly property int sidebarCollapsesBelow: 820
+    readonly property int panelWidth: 320
     readonly property int headerHeight: controlHeight + 24
     readonly property int listMinimumWidth: 300
     readonly property int sheetWidth: 640
     readonly property int dialogWidth: 420
     readonly property int measure: 420
     readonly property int searchMinimumWidth: 200
+    readonly property int numberFieldWidth: 96
+    readonly property int formWidth: 680
     readonly property int progressMinimumWidth: 120
     readonly property int scrollBarWidth: 10
     readonly property int tipWidth: 480

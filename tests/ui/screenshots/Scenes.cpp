@@ -2,6 +2,9 @@
 
 #include "ui/screenshots/SampleState.h"
 
+#include <cstdint>
+#include <optional>
+
 namespace cairnfield {
 
 namespace {
@@ -68,6 +71,44 @@ Act folders(Act then = [](Stage&) {}) {
     };
 }
 
+Act preferences(Act then = [](Stage&) {}) {
+    return [then = std::move(then)](Stage& stage) {
+        stage.root.setSelection(SidebarSection::preferences);
+        stage.state.isMonitoring.set(true);
+        stage.state.storage.set(StorageSnapshot{.volumeURL = FilePath("/"),
+                                                .volumeName = "root",
+                                                .totalCapacity = 500'000'000'000,
+                                                .availableCapacity = 131'000'000'000});
+        then(stage);
+    };
+}
+
+Scene panel(std::string name, std::optional<std::int64_t> available, Act then = [](Stage&) {}) {
+    const Act set = [available, then = std::move(then)](Stage& stage) {
+        if (available)
+            stage.state.storage.set(StorageSnapshot{.volumeURL = FilePath("/"),
+                                                    .volumeName = "root",
+                                                    .totalCapacity = 500'000'000'000,
+                                                    .availableCapacity = *available});
+        then(stage);
+    };
+    return {.name = std::move(name), .set = set, .surface = Surface::panel};
+}
+
+void fullPanel(Stage& stage) {
+    stage.state.isMonitoring.set(true);
+    stage.state.worktrees.set(sampleWorktrees());
+    stage.state.watchedFolders.set(sampleFolders());
+}
+
+void longFolderName(Stage& stage) {
+    fullPanel(stage);
+    std::vector<WatchedFolder> folders = sampleFolders();
+    folders[0].displayName = "a-folder-with-a-very-long-name-that-does-not-fit-beside-its-size";
+    folders[0].lastKnownSizeBytes = 1'234'500'000'000;
+    stage.state.watchedFolders.set(folders);
+}
+
 }  // namespace
 
 std::vector<Scene> scenes() {
@@ -125,11 +166,26 @@ std::vector<Scene> scenes() {
          })},
         {"folders-smallest", folders(), smallest},
         {"folders-add", folders([](Stage& stage) { stage.folders.setImporting(true); })},
+        {"preferences-smart", preferences(), tall},
+        {"preferences-percentage",
+         preferences([](Stage& stage) { stage.preferences.chooseThresholdMode(1); })},
+        {"preferences-absolute", preferences([](Stage& stage) {
+             stage.preferences.chooseThresholdMode(2);
+             stage.state.notificationAuthorizationDenied.set(true);
+         }),
+         tall},
+        {"preferences-first", [](Stage& stage) { stage.root.setSelection(SidebarSection::preferences); }},
+        {"preferences-smallest", preferences(), smallest},
         {"folders-add-wrong", folders([](Stage& stage) {
              stage.folders.setImporting(true);
              stage.folders.addTyped("code");
          }),
          smallest},
+        panel("panel-first", std::nullopt),
+        panel("panel-healthy", 123'400'000'000, fullPanel),
+        panel("panel-low", 43'700'000'000, fullPanel),
+        panel("panel-critical", 930'000'000, fullPanel),
+        panel("panel-long-name", 123'400'000'000, longFolderName),
     };
 }
 

@@ -2,6 +2,7 @@
 // What is to be seen on the pictures: a name, a size, and how the screen gets there.
 
 #include "App/AppState.h"
+#include "Features/Preferences/PreferencesViewModel.h"
 #include "Features/Root/RootViewModel.h"
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 #include "Features/Worktrees/WorktreesViewModel.h"
@@ -20,12 +21,16 @@ struct Stage {
     RootViewModel& root;
     WorktreesViewModel& worktrees;
     WatchedFoldersViewModel& folders;
+    PreferencesViewModel& preferences;
 };
+
+enum class Surface { window, panel };
 
 struct Scene {
     std::string name;
     std::function<void(Stage&)> set;
-    QSize size{1080, 720};
+    QSize size{1080, 720};  ///< of the window; the panel has its own
+    Surface surface = Surface::window;
 };
 
 [[nodiscard]] std::vector<Scene> scenes();

@@ -3,7 +3,8 @@
 // and in software, so that the same program gives the same pictures. Fails when the window cannot be made,
 // when QML complains, or when a picture cannot be saved.
 
-#include "Features/Root/AppearanceViewModel.h"
+#include "Features/Appearance/AppearanceViewModel.h"
+#include "Features/MenuBar/MenuBarViewModel.h"
 #include "support/App/AppHarness.h"
 #include "support/AppModelStaging.h"
 #include "support/FakeWorkspace.h"
@@ -23,7 +24,10 @@
 #include <cstdlib>
 #include <unistd.h>
 
+Q_IMPORT_QML_PLUGIN(Cairnfield_AppearancePlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_ComponentsPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_MenuBarPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_PreferencesPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_RootPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WatchedFoldersPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WorktreesPlugin)
@@ -62,24 +66,38 @@ bool draw(const Scene& scene, bool isDark, const QString& file) {
     RootViewModel root(*app.model, spawn(app.loop, nothing()));
     WorktreesViewModel worktrees(*app.model, workspace, app.wallClock);
     WatchedFoldersViewModel folders(*app.model, workspace, app.wallClock, FilePath("/home/ada"));
+    PreferencesViewModel preferences(*app.model, app.wallClock);
 
+    MenuBarViewModel menuBar(*app.model, app.application);
+
+    const bool isPanel = scene.surface == Surface::panel;
+    const QVariantMap panelContent{{"viewModel", QVariant::fromValue(&menuBar)},
+                                   {"appearance", QVariant::fromValue(&appearance)},
+                                   {"hasRoundCorners", false}};
+    const QVariantMap windowContent{{"viewModel", QVariant::fromValue(&root)},
+                                    {"appearance", QVariant::fromValue(&appearance)},
+                                    {"worktrees", QVariant::fromValue(&worktrees)},
+                                    {"watchedFolders", QVariant::fromValue(&folders)},
+                                    {"preferences", QVariant::fromValue(&preferences)}};
     QQmlApplicationEngine engine;
     engine.addImportPath("qrc:/qt/qml");
-    engine.setInitialProperties({{"viewModel", QVariant::fromValue(&root)},
-                                 {"appearance", QVariant::fromValue(&appearance)},
-                                 {"worktrees", QVariant::fromValue(&worktrees)},
-                                 {"watchedFolders", QVariant::fromValue(&folders)}});
-    engine.load(QUrl("qrc:/qt/qml/Cairnfield/Root/MainWindow.qml"));
+    engine.setInitialProperties(isPanel ? panelContent : windowContent);
+    engine.load(QUrl(isPanel ? "qrc:/qt/qml/Cairnfield/MenuBar/MenuBarPanel.qml"
+                             : "qrc:/qt/qml/Cairnfield/Root/MainWindow.qml"));
     auto* const window =
         engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects()[0]);
     if (!window) return false;
-    window->resize(scene.size);
+    if (!isPanel) window->resize(scene.size);
     window->show();
     QCoreApplication::processEvents();
-    Stage stage{AppModelStaging::state(*app.model), root, worktrees, folders};
+    Stage stage{AppModelStaging::state(*app.model), root, worktrees, folders, preferences};
     scene.set(stage);
     // Layouts settle over a few turns; the picture itself is drawn by the call that takes it.
     for (int turn = 0; turn < 20; ++turn) QCoreApplication::processEvents();
+    if (isPanel) {  // as high as what it shows, which only drawing finds out
+        (void)window->grabWindow();
+        QCoreApplication::processEvents();
+    }
     return window->grabWindow().save(file);
 }
 
