@@ -19,7 +19,7 @@ buildPackages=(
 desktopPackages=(xvfb xauth xdotool imagemagick dbus dbus-daemon)
 
 testPackages=(
-    libgtest-dev libgmock-dev python3 python3-pyatspi python3-dbus python3-gi
+    libgtest-dev libgmock-dev python3 python3-pyatspi python3-dbus python3-gi gh
     qml6-module-qttest at-spi2-core dunst "${desktopPackages[@]}"
 )
 benchPackages=(libgtest-dev libgmock-dev libbenchmark-dev python3)
