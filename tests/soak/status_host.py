@@ -14,7 +14,7 @@ panel = StatusPanel()
 
 def show(*_arguments):
     if panel.items:
-        print(*(panel.property(name) for name in ("Status", "IconName", "ToolTip")), flush=True)
+        print(panel.property("Status"), panel.property("IconName"), panel.property("ToolTip")[2], flush=True)
 
 
 for signal in ("NewIcon", "NewStatus", "NewToolTip"):

@@ -1,7 +1,8 @@
 // Draws the window in each scene, light and dark and at one and two device pixels for a point, and saves a
-// picture of each. Usage: cairnfield-screenshots FOLDER [SCENE...]. Without a display: it draws off screen
-// and in software, so that the same program gives the same pictures. Fails when the window cannot be made,
-// when QML complains, or when a picture cannot be saved.
+// picture of each. Usage: cairnfield-screenshots FOLDER [--sample] [SCENE...]; a sample is one picture of
+// each scene, light at one device pixel and dark at two by turns. Without a display: it draws off screen and
+// in software, so that the same program gives the same pictures. Fails when the window cannot be made, when
+// QML complains, or when a picture cannot be saved.
 
 #include "Features/Appearance/AppearanceViewModel.h"
 #include "Features/MenuBar/MenuBarViewModel.h"
@@ -105,17 +106,27 @@ bool wanted(const Scene& scene, const QStringList& names) {
     return names.isEmpty() || names.contains(QString::fromStdString(scene.name));
 }
 
+/// Whether a sample holds this picture of the scene with this number.
+bool isSampled(std::size_t number, bool isDark, int scale) {
+    const bool isTheDarkOnesTurn = number % 2 == 1;
+    return isDark == isTheDarkOnesTurn && scale == (isTheDarkOnesTurn ? 2 : 1);
+}
+
 int drawAll(int argc, char** argv, int scale) {
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
     qInstallMessageHandler(noteComplaint);
     QGuiApplication application(argc, argv);
     QQuickStyle::setStyle("Basic");
     const QDir folder(application.arguments().at(1));
-    const QStringList names = application.arguments().mid(2);
+    QStringList names = application.arguments().mid(2);
+    const bool isSample = names.removeAll("--sample") > 0;
     if (!folder.mkpath(".")) return EXIT_FAILURE;
+    std::size_t number = 0;
     for (const Scene& scene : scenes()) {
+        ++number;
         if (!wanted(scene, names)) continue;
         for (const bool isDark : {false, true}) {
+            if (isSample && !isSampled(number, isDark, scale)) continue;
             const QString name = QString("%1-%2%3.png")
                                      .arg(QString::fromStdString(scene.name), isDark ? "dark" : "light",
                                           scale == 1 ? "" : "-2x");
@@ -134,7 +145,7 @@ int drawAll(int argc, char** argv, int scale) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: cairnfield-screenshots FOLDER [SCENE...]\n");
+        std::fprintf(stderr, "usage: cairnfield-screenshots FOLDER [--sample] [SCENE...]\n");
         return EXIT_FAILURE;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
