@@ -22,7 +22,7 @@ struct DirectoryEntry {
 
 class DirectoryReader {
 public:
-    static constexpr std::size_t wholeBuffer = 32 * 1024;
+    static constexpr std::size_t wholeBuffer = std::size_t{32} * 1024;
     static constexpr std::size_t smallBite = 1024;  ///< no file system's longest entry is longer
 
     enum class Filled { more, end, failed };

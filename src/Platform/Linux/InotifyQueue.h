@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::optional<InotifyEvent> next();
 
 private:
-    static constexpr std::size_t bufferSize = 64 * 1024;
+    static constexpr std::size_t bufferSize = std::size_t{64} * 1024;
 
     const FileDescriptor descriptor_;
     const std::unique_ptr<std::byte[]> buffer_;

@@ -5,6 +5,7 @@
 #include "Services/Process/SystemProcessRunner.h"
 #include "Shared/Concurrency/Reactor.h"
 #include "Shared/Concurrency/ThreadPool.h"
+#include "support/Failures.h"
 #include "support/GitHubStandIn.h"
 #include "support/GitRepository.h"
 #include "support/RecordingProcessRunner.h"
@@ -66,13 +67,7 @@ protected:
     }
     template <class T>
     CairnfieldError failureOf(Task<T> task) {
-        try {
-            (void)wait(std::move(task));
-        } catch (const CairnfieldError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "did not fail";
-        return CairnfieldError(CairnfieldError::Offline{});
+        return cairnfield::failureOf([&] { (void)wait(std::move(task)); });
     }
     std::vector<std::string> hostsAsked() {
         std::vector<std::string> hosts;

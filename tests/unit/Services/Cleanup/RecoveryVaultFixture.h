@@ -6,6 +6,7 @@
 #include "Services/Cleanup/RecoveryVaultService.h"
 #include "Shared/Concurrency/RunLoop.h"
 #include "Shared/Errors/CairnfieldError.h"
+#include "support/Failures.h"
 #include "support/SettableVolume.h"
 #include "support/SettableWallClock.h"
 #include "support/TemporaryDirectory.h"
@@ -66,13 +67,7 @@ protected:
     }
     template <class T>
     CairnfieldError failureOf(Task<T> task) {
-        try {
-            (void)wait(std::move(task));
-        } catch (const CairnfieldError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "did not fail";
-        return CairnfieldError(CairnfieldError::Offline{});
+        return cairnfield::failureOf([&] { (void)wait(std::move(task)); });
     }
     CairnfieldError failureOfArchiving(std::vector<IgnoredEntry> files) {
         return failureOf(vault.archive(std::move(files), worktree, "project", receiptID, 90));

@@ -1,6 +1,7 @@
 #include "Services/GitHub/GitHubCLIService.h"
 #include "Services/Process/CommandEnvironment.h"
 #include "Shared/Concurrency/ThreadPool.h"
+#include "support/Failures.h"
 #include "support/ScopedEnvironment.h"
 #include "support/ScriptedProcessRunner.h"
 #include "support/TemporaryDirectory.h"
@@ -44,13 +45,7 @@ protected:
     }
     template <class T>
     CairnfieldError failureOf(Task<T> task) {
-        try {
-            (void)wait(std::move(task));
-        } catch (const CairnfieldError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "did not fail";
-        return CairnfieldError(CairnfieldError::Offline{});
+        return cairnfield::failureOf([&] { (void)wait(std::move(task)); });
     }
     void expectCommand(const CommandInvocation& command, const std::vector<std::string>& arguments,
                        const std::optional<FilePath>& where, std::chrono::seconds limit) {
