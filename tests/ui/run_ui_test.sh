@@ -30,6 +30,6 @@ export DISPLAY=":$number" HOME="$place/home" XDG_RUNTIME_DIR="$place/runtime" XD
 export QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 GIT_CONFIG_NOSYSTEM=1 NO_AT_BRIDGE=0
 export CAIRNFIELD_PROGRAM="$program" CAIRNFIELD_UI_PICTURES="${CAIRNFIELD_UI_PICTURES:-$place}"
 PYTHONPATH=$(dirname "$0")
-export PYTHONPATH PYTHONDONTWRITEBYTECODE=1
+export PYTHONPATH PYTHONDONTWRITEBYTECODE=1 LSAN_OPTIONS="suppressions=$PYTHONPATH/lsan.supp:print_suppressions=0"
 
 dbus-run-session -- /usr/bin/python3 -W ignore::DeprecationWarning "$script" "$@"
