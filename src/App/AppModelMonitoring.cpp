@@ -110,7 +110,11 @@ Task<> AppModel::pollCapacity() {
         if (isEnding_) co_return;
         // A task of its own, since pausing cancels this one and still takes a last reading.
         const TaskHandle<> reading = operations_.add(environment_.mainThread, refreshStorage());
-        co_await reading.value();
+        try {
+            co_await reading.value();
+        } catch (const std::exception&) {
+            // Logged by the scope; whatever it was, the next reading comes.
+        }
     }
 }
 

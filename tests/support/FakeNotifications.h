@@ -15,9 +15,10 @@ namespace cairnfield {
 class FakeNotifications final : public NotificationDelivering {
 public:
     NotificationAuthorization authorization = NotificationAuthorization::authorized;
-    bool grants = true;                  ///< what a request for permission is answered
-    std::exception_ptr requestFailure;   ///< thrown by a request for permission
-    std::exception_ptr deliveryFailure;  ///< thrown by a delivery that has permission
+    bool grants = true;                       ///< what a request for permission is answered
+    std::exception_ptr authorizationFailure;  ///< thrown by the question for it
+    std::exception_ptr requestFailure;        ///< thrown by a request for permission
+    std::exception_ptr deliveryFailure;       ///< thrown by a delivery that has permission
     std::function<void(const NotificationRequestPayload&)> onDelivery;
 
     std::vector<NotificationRequestPayload> deliveries;  ///< all that were posted
@@ -26,6 +27,7 @@ public:
 
     Task<NotificationAuthorization> authorizationStatus() override {
         calls.emplace_back("authorizationStatus");
+        if (authorizationFailure) std::rethrow_exception(authorizationFailure);
         co_return authorization;
     }
 

@@ -122,6 +122,19 @@ TEST_F(StorageWatch, AFailedReadingDoesNotEndThePoll) {
     EXPECT_TRUE(state().isMonitoring.get());
 }
 
+TEST_F(StorageWatch, NoFailureOfAReadingEndsThePoll) {
+    app.settings.notificationsEnabled.set(true);
+    app.notifications.authorizationFailure = std::make_exception_ptr(std::runtime_error("out of order"));
+    app.run(app.model->start());
+    app.volume.set(gigabyte, 500 * gigabyte);
+    for (int reading = 2; reading < 5; ++reading) {
+        waitForSleepers(2);
+        app.continuousClock.advance(std::chrono::seconds(300));
+        waitForReadings(reading);
+    }
+    EXPECT_EQ(state().incident.get().activeLevel, StorageLevel::critical);
+}
+
 TEST_F(StorageWatch, HistoryOutlivesTheProgram) {
     app.run(app.model->refreshStorage());
     app.wallClock.advance(std::chrono::minutes(5));
