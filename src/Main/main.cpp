@@ -6,6 +6,7 @@
 #include "Main/TerminationSignals.h"
 #include "Platform/Linux/DescriptorLimit.h"
 #include "Platform/Linux/Desktop/BusSingleInstance.h"
+#include "Services/Process/SafeEnvironment.h"
 #include "Shared/Logging/Log.h"
 
 #include <QDBusConnection>
@@ -68,6 +69,7 @@ int runApplication(const std::string& activationToken) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    cairnfield::makeOwnEnvironmentSafe();
     std::signal(SIGPIPE, SIG_IGN);
     cairnfield::raiseDescriptorLimit();
     readFromNothing();

@@ -11,6 +11,7 @@
 #include "Services/Notifications/SystemNotificationService.h"
 #include "Services/Permissions/LaunchAtLoginService.h"
 #include "Services/Permissions/PathAuthorization.h"
+#include "Services/Process/SafeEnvironment.h"
 #include "Services/Process/SystemProcessRunner.h"
 #include "Services/Storage/SystemVolumeCapacityReader.h"
 #include "Services/Updates/DisabledUpdateService.h"
@@ -65,6 +66,7 @@ struct Program::Parts {
 };
 
 Program::Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines) {
+    makeOwnEnvironmentSafe();
     std::signal(SIGPIPE, SIG_IGN);
     raiseDescriptorLimit();
     parts_ = std::make_unique<Parts>(lines);

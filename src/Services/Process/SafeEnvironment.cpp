@@ -1,0 +1,87 @@
+#include "Services/Process/SafeEnvironment.h"
+
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+namespace cairnfield {
+
+namespace {
+
+using Setting = std::pair<const char*, const char*>;
+
+constexpr std::array settings{
+    Setting{"status.showUntrackedFiles", "all"}, Setting{"core.fsmonitor", "false"},
+    Setting{"core.untrackedCache", "false"},     Setting{"core.trustctime", "true"},
+    Setting{"core.checkStat", "default"},        Setting{"protocol.ext.allow", "never"},
+};
+
+constexpr std::array redirections{
+    // Where the repository and its parts are.
+    "GIT_DIR",
+    "GIT_WORK_TREE",
+    "GIT_IMPLICIT_WORK_TREE",
+    "GIT_INDEX_FILE",
+    "GIT_COMMON_DIR",
+    "GIT_OBJECT_DIRECTORY",
+    "GIT_ALTERNATE_OBJECT_DIRECTORIES",
+    "GIT_QUARANTINE_PATH",
+    "GIT_NAMESPACE",
+    "GIT_PREFIX",
+    "GIT_INTERNAL_SUPER_PREFIX",
+    // What its history is.
+    "GIT_GRAFT_FILE",
+    "GIT_SHALLOW_FILE",
+    "GIT_REPLACE_REF_BASE",
+    "GIT_NO_REPLACE_OBJECTS",
+    // What a path means.
+    "GIT_LITERAL_PATHSPECS",
+    "GIT_GLOB_PATHSPECS",
+    "GIT_NOGLOB_PATHSPECS",
+    "GIT_ICASE_PATHSPECS",
+    // Settings of the one git command that we may have been started by; they would outrank ours.
+    "GIT_CONFIG_PARAMETERS",
+};
+
+/// How many settings the environment carries. git refuses to work with a number that is none, so such a one
+/// counts as 0.
+unsigned countOf(const Environment& environment) {
+    constexpr unsigned most = 100'000;
+    const auto found = environment.find("GIT_CONFIG_COUNT");
+    if (found == environment.end()) return 0;
+    const std::string& text = found->second;
+    unsigned count = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    return error == std::errc() && end == text.data() + text.size() && count <= most ? count : 0;
+}
+
+}  // namespace
+
+Environment safeForGit(Environment environment) {
+    for (const char* name : redirections) environment.erase(name);
+    unsigned count = countOf(environment);
+    for (const auto& [key, value] : settings) {
+        const std::string number = std::to_string(count++);
+        environment["GIT_CONFIG_KEY_" + number] = key;
+        environment["GIT_CONFIG_VALUE_" + number] = value;
+    }
+    environment["GIT_CONFIG_COUNT"] = std::to_string(count);
+    return environment;
+}
+
+void makeOwnEnvironmentSafe() {
+    Environment present;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        const std::string_view pair = *entry;
+        const std::size_t separator = pair.find('=');
+        if (separator == std::string_view::npos) continue;
+        present.emplace(pair.substr(0, separator), pair.substr(separator + 1));
+    }
+    for (const char* name : redirections) unsetenv(name);
+    for (const auto& [name, value] : safeForGit(present)) setenv(name.c_str(), value.c_str(), 1);
+}
+
+}  // namespace cairnfield

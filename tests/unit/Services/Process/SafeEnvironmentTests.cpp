@@ -1,0 +1,52 @@
+#include "Services/Process/SafeEnvironment.h"
+#include "support/ScopedEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace cairnfield {
+namespace {
+
+TEST(SafeEnvironment, TellsGitItsSettings) {
+    const Environment safe = safeForGit({{"HOME", "/home/robin"}});
+    EXPECT_EQ(safe.at("HOME"), "/home/robin");
+    EXPECT_EQ(safe.at("GIT_CONFIG_COUNT"), "6");
+    EXPECT_EQ(safe.at("GIT_CONFIG_KEY_0"), "status.showUntrackedFiles");
+    EXPECT_EQ(safe.at("GIT_CONFIG_VALUE_0"), "all");
+    EXPECT_EQ(safe.at("GIT_CONFIG_KEY_5"), "protocol.ext.allow");
+    EXPECT_EQ(safe.at("GIT_CONFIG_VALUE_5"), "never");
+}
+
+TEST(SafeEnvironment, KeepsTheSettingsThatAreThereInFrontOfItsOwn) {
+    const Environment safe = safeForGit(
+        {{"GIT_CONFIG_COUNT", "1"}, {"GIT_CONFIG_KEY_0", "core.fsmonitor"}, {"GIT_CONFIG_VALUE_0", "true"}});
+    EXPECT_EQ(safe.at("GIT_CONFIG_COUNT"), "7");
+    EXPECT_EQ(safe.at("GIT_CONFIG_VALUE_0"), "true");
+    EXPECT_EQ(safe.at("GIT_CONFIG_KEY_1"), "status.showUntrackedFiles");
+    EXPECT_EQ(safe.at("GIT_CONFIG_KEY_2"), "core.fsmonitor");
+    EXPECT_EQ(safe.at("GIT_CONFIG_VALUE_2"), "false");
+}
+
+TEST(SafeEnvironment, TakesANumberThatIsNoneForNothing) {
+    for (const char* count : {"", "x", "-1", "3x", "4294967295"})
+        EXPECT_EQ(safeForGit({{"GIT_CONFIG_COUNT", count}}).at("GIT_CONFIG_COUNT"), "6") << count;
+}
+
+TEST(SafeEnvironment, LeavesNothingThatLeadsGitElsewhere) {
+    for (const char* name : {"GIT_DIR", "GIT_COMMON_DIR", "GIT_OBJECT_DIRECTORY", "GIT_NAMESPACE",
+                             "GIT_LITERAL_PATHSPECS", "GIT_ICASE_PATHSPECS", "GIT_CONFIG_PARAMETERS"})
+        EXPECT_FALSE(safeForGit({{name, "1"}}).contains(name)) << name;
+}
+
+TEST(SafeEnvironment, BecomesThatOfThisProcess) {
+    const ScopedEnvironment namesGitElsewhere("GIT_NAMESPACE", "other");
+    const ScopedEnvironment count("GIT_CONFIG_COUNT", std::nullopt);
+    makeOwnEnvironmentSafe();
+    EXPECT_EQ(std::getenv("GIT_NAMESPACE"), nullptr);
+    EXPECT_STREQ(std::getenv("GIT_CONFIG_COUNT"), "6");
+    EXPECT_STREQ(std::getenv("GIT_CONFIG_KEY_1"), "core.fsmonitor");
+}
+
+}  // namespace
+}  // namespace cairnfield
