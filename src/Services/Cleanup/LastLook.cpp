@@ -1,0 +1,158 @@
+#include "Services/Cleanup/LastLook.h"
+
+#include "Services/Cleanup/ArchivedCopies.h"
+#include "Services/Cleanup/HiddenFiles.h"
+#include "Services/Cleanup/MountTable.h"
+#include "Services/Cleanup/PathsThatStay.h"
+#include "Services/Cleanup/TreeLook.h"
+#include "Services/Cleanup/WorktreeGitFiles.h"
+#include "Services/Git/GitWorktreeInspector.h"
+#include "Services/Git/IgnoredFileClassifier.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <exception>
+#include <unordered_set>
+
+namespace cairnfield {
+
+namespace {
+
+using Objection = std::optional<std::string>;
+using Entries = std::vector<GitIndexEntry>;
+using Names = std::unordered_set<std::string>;
+
+constexpr const char* movedHead = "Its HEAD is not where it was left.";
+constexpr const char* unreadableIndex = "Its index could not be understood.";
+
+std::string firstComponent(const std::string& path) {
+    return path.substr(0, path.find('/'));
+}
+
+Objection objectionToHead(const ExpectedHead& expected, const WorktreeGitFiles& files) {
+    if (expected.form == ExpectedHead::Form::anywhere) return std::nullopt;
+    const HeadOnDisk head = headOnDisk(files);
+    switch (head.form) {
+        case HeadOnDisk::Form::keptElsewhere:
+            return std::nullopt;
+        case HeadOnDisk::Form::unreadable:
+            return movedHead;
+        case HeadOnDisk::Form::unborn:
+            if (expected.form == ExpectedHead::Form::unborn) return std::nullopt;
+            return movedHead;
+        case HeadOnDisk::Form::commit:
+            break;
+    }
+    const bool isThere = expected.form == ExpectedHead::Form::commit && head.commit == expected.commit;
+    return isThere ? Objection() : movedHead;
+}
+
+/// Its state, and work that it has put aside, are kept in the worktree's own Git directory alone.
+Objection objectionToOperation(const WorktreeGitFiles& files) {
+    const std::optional<GitOperationInProgress> operation = operationInProgress(files.own);
+    if (!operation) return std::nullopt;
+    return "A " + std::string(displayName(*operation)) + " is in progress.";
+}
+
+Objection objectionToMounts(const FilePath& worktree) {
+    const std::optional<FilePath> folder = resolvedPath(worktree);
+    for (const FilePath& point : presentMountPoints()) {
+        if (folder && liesIn(point, *folder))
+            return "Something is mounted inside it: " + point.display() + ".";
+    }
+    return std::nullopt;
+}
+
+/// The index's length of object names is that of HEAD's commit.
+std::size_t objectBytes(const Worktree& worktree) {
+    return worktree.headSHA && worktree.headSHA->size() == 64 ? 32 : 20;
+}
+
+Objection objectionToHiddenFiles(const FilePath& worktree, const WorktreeGitFiles& files,
+                                 const Entries& entries) {
+    struct stat index{};
+    if (stat(files.own.appending("index").c_str(), &index) != 0) return std::nullopt;
+    for (const GitIndexEntry& entry : entries) {
+        if (!entry.isHidden() || entry.isSubmodule()) continue;
+        if (differsFromIndex(worktree, entry, index.st_mtim)) {
+            return FilePath(entry.path).display() +
+                   " differs from what Git holds, and Git was told to overlook it.";
+        }
+    }
+    return std::nullopt;
+}
+
+/// What lies under the root and is neither tracked nor was there, ignored or untracked, at review. That it
+/// is ignored need not be known: anything else git refuses by itself.
+Objection objectionToNewSecrets(const Worktree& reviewed, const Entries& entries,
+                                const std::vector<std::string>& topLevelNames) {
+    Names known{".git"};
+    for (const GitIndexEntry& entry : entries) known.insert(firstComponent(entry.path));
+    for (const IgnoredEntry& entry : reviewed.ignoredEntries) known.insert(firstComponent(entry.name));
+    for (const std::string& path : reviewed.status.untrackedPaths) known.insert(firstComponent(path));
+    for (const std::string& name : topLevelNames) {
+        const bool isSensitive = IgnoredFileClassifier::classify(name) == IgnoredEntryClass::sensitive;
+        if (isSensitive && !known.contains(name))
+            return FilePath(name).display() + " looks sensitive and appeared after the review.";
+    }
+    return std::nullopt;
+}
+
+TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries) {
+    TreeLookQuestion question{root, {}, {}};
+    for (const GitIndexEntry& entry : entries) {
+        if (entry.isSubmodule()) question.submodules.insert(entry.path);
+        if (entry.path == "HEAD" || entry.path.ends_with("/HEAD")) question.trackedHeads.insert(entry.path);
+    }
+    return question;
+}
+
+Objection objectionTo(const LastLookQuestion& question) {
+    const Worktree& reviewed = question.reviewed;
+    const std::optional<WorktreeGitFiles> files = gitFilesOf(reviewed.path);
+    if (!files || resolvedPath(reviewed.gitCommonDir) != files->common)
+        return "Its path no longer leads to the worktree that was reviewed.";
+    Objection objection = objectionToHead(question.head, *files);
+    if (objection) return objection;
+    objection = objectionToOperation(*files);
+    if (objection) return objection;
+    objection = whatMustStayInside(reviewed, *files, question.mustStay);
+    if (objection) return objection;
+    objection = objectionToMounts(reviewed.path);
+    if (objection) return objection;
+
+    const std::optional<Entries> entries = readGitIndex(files->own, objectBytes(reviewed));
+    if (!entries) return unreadableIndex;
+    objection = objectionToHiddenFiles(reviewed.path, *files, *entries);
+    if (objection) return objection;
+    const TreeLook tree = lookAtTree(treeQuestion(reviewed.path, *entries));
+    if (tree.objection) return tree.objection;
+    objection = objectionToNewSecrets(reviewed, *entries, tree.topLevelNames);
+    if (objection) return objection;
+    return objectionToCopies(question.archived);
+}
+
+}  // namespace
+
+ExpectedHead ExpectedHead::preserved(const std::optional<std::string>& commit) {
+    return commit ? ExpectedHead{Form::commit, *commit} : ExpectedHead{};
+}
+
+ExpectedHead ExpectedHead::reviewed(const Worktree& worktree) {
+    return worktree.headSHA ? ExpectedHead{Form::commit, *worktree.headSHA} : ExpectedHead{Form::unborn, {}};
+}
+
+std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question) {
+    Objection objection;
+    try {
+        objection = objectionTo(question);
+    } catch (const std::exception& failure) {
+        objection = "It could not be looked at once more: " + describe(failure);
+    }
+    if (!objection) return std::nullopt;
+    return CairnfieldError(
+        CairnfieldError::WorktreeRemovalFailed{question.reviewed.path.bytes(), *std::move(objection)});
+}
+
+}  // namespace cairnfield

@@ -1,0 +1,47 @@
+#pragma once
+// The last look before `git worktree remove`, at what neither git's status nor its own refusals cover. Reads
+// the index, HEAD, the mount table and the tree directly: starts no process, follows no link out of the
+// worktree and writes nothing. Can only refuse; what cannot be looked at is a refusal too. It does not repeat
+// what git refuses by itself (changed, staged and untracked files, a lock, populated submodules).
+//
+// Blocking, any thread: every entry of the tree is visited once. Between the look and the removal there is
+// still a moment; this makes it short, not absent.
+
+#include "Models/RecoveryVaultEntry.h"
+#include "Models/Worktree.h"
+#include "Shared/Errors/CairnfieldError.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cairnfield {
+
+/// Where HEAD has to be.
+struct ExpectedHead {
+    enum class Form {
+        anywhere,  ///< its commit was never known
+        unborn,
+        commit,
+    };
+
+    Form form = Form::anywhere;
+    std::string commit;
+
+    /// The commit that was preserved.
+    [[nodiscard]] static ExpectedHead preserved(const std::optional<std::string>& commit);
+    /// The state of the review, with nothing preserved since.
+    [[nodiscard]] static ExpectedHead reviewed(const Worktree& worktree);
+};
+
+struct LastLookQuestion {
+    Worktree reviewed;
+    ExpectedHead head;
+    std::vector<RecoveryVaultEntry> archived;  ///< copies made for this cleanup
+    std::vector<FilePath> mustStay;            ///< of ours: the folder of the vault and the stores
+};
+
+/// Why the worktree must not be removed now; absent when nothing speaks against it.
+[[nodiscard]] std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question);
+
+}  // namespace cairnfield

@@ -1,0 +1,45 @@
+#pragma once
+// What git keeps about a linked worktree, read from its files without git. For the last look alone. Blocking,
+// any thread. Throws std::system_error for what is there and cannot be read.
+
+#include "Shared/Paths/FilePath.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cairnfield {
+
+/// All links resolved; absent when nothing is there.
+[[nodiscard]] std::optional<FilePath> resolvedPath(const FilePath& path);
+
+struct WorktreeGitFiles {
+    FilePath own;     ///< the worktree's own Git directory
+    FilePath common;  ///< the repository's
+};
+
+/// Absent unless the path is a folder, not a link, whose Git file leads to a Git directory that leads back.
+[[nodiscard]] std::optional<WorktreeGitFiles> gitFilesOf(const FilePath& worktree);
+
+struct HeadOnDisk {
+    enum class Form {
+        commit,
+        unborn,
+        unreadable,
+        keptElsewhere,  ///< in a store of references that is not read here
+    };
+
+    Form form = Form::unreadable;
+    std::string commit;
+};
+
+/// The commit that HEAD, or the branch that it names, is at.
+[[nodiscard]] HeadOnDisk headOnDisk(const WorktreeGitFiles& files);
+
+/// The other worktrees of the repository, the main one not among them.
+[[nodiscard]] std::vector<FilePath> otherWorktrees(const WorktreeGitFiles& files);
+
+/// Where the repository has objects besides its own.
+[[nodiscard]] std::vector<FilePath> alternateObjects(const WorktreeGitFiles& files);
+
+}  // namespace cairnfield
