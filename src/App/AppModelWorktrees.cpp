@@ -1,4 +1,5 @@
 #include "App/AppModel.h"
+#include "Models/WorktreeGroups.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/GitHub/GitHubCLIService.h"
 #include "Services/Process/ExecutableLocator.h"
@@ -33,19 +34,14 @@ std::optional<std::size_t> indexOf(const std::vector<Worktree>& worktrees, const
 std::int64_t AppModel::estimatedReclaimableBytes() const {
     std::int64_t bytes = 0;
     for (const Worktree& worktree : state_.worktrees.get()) {
-        const SafetyDisposition group = disposition(worktree.safety);
-        if (group == SafetyDisposition::safeToClean || group == SafetyDisposition::preservedRemotely)
-            bytes += worktree.sizeBytes;
+        if (isSafeOrPreserved(worktree.safety)) bytes += worktree.sizeBytes;
     }
     return bytes;
 }
 
 std::vector<Worktree> AppModel::worktreesNeedingAttention() const {
     std::vector<Worktree> found;
-    std::ranges::copy_if(state_.worktrees.get(), std::back_inserter(found), [](const Worktree& worktree) {
-        const SafetyDisposition group = disposition(worktree.safety);
-        return group == SafetyDisposition::preserveFirst || group == SafetyDisposition::needsReview;
-    });
+    std::ranges::copy_if(state_.worktrees.get(), std::back_inserter(found), needsAttention);
     return found;
 }
 

@@ -1,5 +1,6 @@
 #include "Models/ProjectUsage.h"
 
+#include "Models/WorktreeGroups.h"
 #include "Shared/Formatting/TextMatching.h"
 
 #include <algorithm>
@@ -9,17 +10,6 @@
 namespace cairnfield {
 
 namespace {
-
-bool isReclaimable(const Worktree& worktree) {
-    if (worktree.isMain || worktree.isPinned) return false;
-    const SafetyDisposition group = disposition(worktree.safety);
-    return group == SafetyDisposition::safeToClean || group == SafetyDisposition::preservedRemotely;
-}
-
-bool needsAttention(const Worktree& worktree) {
-    const SafetyDisposition group = disposition(worktree.safety);
-    return group == SafetyDisposition::preserveFirst || group == SafetyDisposition::needsReview;
-}
 
 /// A worktree that nobody can enter will never have a size and so does not wait for one. Every other one
 /// takes up something on disk, if only its own ".git".

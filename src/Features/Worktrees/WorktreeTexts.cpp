@@ -1,5 +1,6 @@
 #include "Features/Worktrees/WorktreeTexts.h"
 
+#include "Models/WorktreeGroups.h"
 #include "Shared/Formatting/ByteFormatting.h"
 #include "Shared/Formatting/DateFormatting.h"
 #include "Shared/Text/Text.h"
@@ -7,21 +8,6 @@
 #include <fmt/format.h>
 
 namespace cairnfield {
-
-namespace {
-
-bool isReclaimable(const Worktree& worktree) {
-    if (worktree.isMain || worktree.isPinned) return false;
-    const SafetyDisposition group = disposition(worktree.safety);
-    return group == SafetyDisposition::safeToClean || group == SafetyDisposition::preservedRemotely;
-}
-
-bool needsAttention(const Worktree& worktree) {
-    const SafetyDisposition group = disposition(worktree.safety);
-    return group == SafetyDisposition::preserveFirst || group == SafetyDisposition::needsReview;
-}
-
-}  // namespace
 
 std::string sizeText(const Worktree& worktree, SizeKnowledge knowledge) {
     if (knowledge == SizeKnowledge::awaited) return std::string(unknownSizeText);
