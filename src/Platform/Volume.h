@@ -1,12 +1,13 @@
 #pragma once
-// What the desktop knows about the volume that a path lies on. Callable from any thread; blocks as long as
-// the file system does, so never called on the main thread.
+// What the desktop knows about volumes: the one that a path lies on, and where all are mounted. Callable from
+// any thread; blocks as long as the file system does, so never called on the main thread.
 
 #include "Shared/Paths/FilePath.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace cairnfield {
 
@@ -27,6 +28,8 @@ public:
     virtual ~VolumeInformation() = default;
     /// Throws std::system_error when nothing is at the path, or the system does not answer for it.
     [[nodiscard]] virtual VolumeFacts facts(const FilePath& path) const = 0;
+    /// Where anything is mounted at this moment, as this process sees it. Throws std::system_error.
+    [[nodiscard]] virtual std::vector<FilePath> mountPoints() const = 0;
 };
 
 }  // namespace cairnfield

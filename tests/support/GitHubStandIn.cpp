@@ -41,8 +41,9 @@ GitHubStandIn::GitHubStandIn(const FilePath& directory)
     put(configuration.appending("config.yml"), "http_unix_socket: " + socket_.bytes() + "\n");
     put(stateFile_, Json{{"login", "robin"}, {"tokens", {token}}, {"repositories", Json::object()}}.dump());
     environment_.emplace_back("GH_CONFIG_DIR", configuration.bytes());
-    for (const char* name :
-         {"GH_HOST", "GH_REPO", "GITHUB_TOKEN", "GITHUB_ENTERPRISE_TOKEN", "GH_ENTERPRISE_TOKEN", "GH_DEBUG"})
+    // With "CI" or "GITHUB_ACTIONS" gh tells somebody who is not signed in something else.
+    for (const char* name : {"GH_HOST", "GH_REPO", "GITHUB_TOKEN", "GITHUB_ENTERPRISE_TOKEN",
+                             "GH_ENTERPRISE_TOKEN", "GH_DEBUG", "CI", "GITHUB_ACTIONS"})
         environment_.emplace_back(name, std::nullopt);
     signIn("GH_TOKEN");
 

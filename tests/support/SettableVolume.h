@@ -14,9 +14,11 @@ namespace cairnfield {
 class SettableVolume final : public VolumeInformation {
 public:
     VolumeFacts answer;
+    std::vector<FilePath> mounted;
     std::set<FilePath> missing;  ///< what does not exist
     mutable std::vector<FilePath> asked;
 
+    [[nodiscard]] std::vector<FilePath> mountPoints() const override { return mounted; }
     [[nodiscard]] VolumeFacts facts(const FilePath& path) const override {
         asked.push_back(path);
         if (missing.contains(path)) throw std::system_error(ENOENT, std::generic_category());

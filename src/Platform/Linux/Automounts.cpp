@@ -1,6 +1,7 @@
 #include "Platform/Linux/Automounts.h"
 
 #include "Platform/Linux/MountTable.h"
+#include "Shared/Paths/PathContainment.h"
 
 #include <array>
 #include <fstream>
@@ -11,15 +12,6 @@
 
 namespace cairnfield {
 
-namespace {
-
-bool isAtOrBelow(std::string_view path, std::string_view directory) {
-    if (!path.starts_with(directory)) return false;
-    return path.size() == directory.size() || directory.ends_with('/') || path[directory.size()] == '/';
-}
-
-}  // namespace
-
 bool hasAutomountBelow(std::string_view mountinfo, const FilePath& directory) {
     constexpr std::string_view mark = " - autofs ";
     constexpr int fieldsBeforeMountPoint = 4;
@@ -28,7 +20,8 @@ bool hasAutomountBelow(std::string_view mountinfo, const FilePath& directory) {
         const std::size_t newline = mountinfo.rfind('\n', at);
         std::string_view line = mountinfo.substr(newline == std::string_view::npos ? 0 : newline + 1);
         for (int field = 0; field < fieldsBeforeMountPoint; ++field) line.remove_prefix(line.find(' ') + 1);
-        if (isAtOrBelow(unescapedMountField(line.substr(0, line.find(' '))), directory.bytes())) return true;
+        const FilePath mountPoint(unescapedMountField(line.substr(0, line.find(' '))));
+        if (isAtOrBelow(mountPoint, directory)) return true;
     }
     return false;
 }

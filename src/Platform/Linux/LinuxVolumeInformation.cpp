@@ -124,4 +124,11 @@ VolumeFacts LinuxVolumeInformation::facts(const FilePath& path) const {
     return facts;
 }
 
+std::vector<FilePath> LinuxVolumeInformation::mountPoints() const {
+    const std::optional<std::string> table = readFile(mountinfo_);
+    if (!table || table->empty())
+        throw std::system_error(ENOENT, std::generic_category(), mountinfo_.bytes());
+    return mountPointsIn(*table);
+}
+
 }  // namespace cairnfield

@@ -17,12 +17,13 @@ namespace cairnfield {
 class LinuxVolumeInformation final : public VolumeInformation {
 public:
     /// `labels` holds a link to the device for each label; `mountinfo` is the kernel's table of mounts.
-    /// Neither needs to exist.
+    /// Neither needs to exist for facts().
     explicit LinuxVolumeInformation(FilePath labels = FilePath("/dev/disk/by-label"),
                                     FilePath mountinfo = FilePath("/proc/self/mountinfo"))
         : labels_(std::move(labels)), mountinfo_(std::move(mountinfo)) {}
 
     [[nodiscard]] VolumeFacts facts(const FilePath& path) const override;
+    [[nodiscard]] std::vector<FilePath> mountPoints() const override;
 
 private:
     const FilePath labels_;

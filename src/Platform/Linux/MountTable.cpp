@@ -3,11 +3,13 @@
 #include "Shared/Text/Text.h"
 
 #include <algorithm>
-#include <vector>
+#include <iterator>
 
 namespace cairnfield {
 
 namespace {
+
+constexpr std::ptrdiff_t mountPointField = 4;
 
 bool isOctal(char character) {
     return character >= '0' && character <= '7';
@@ -31,8 +33,17 @@ std::string unescapedMountField(std::string_view field) {
     return plain;
 }
 
+std::vector<FilePath> mountPointsIn(std::string_view mountinfo) {
+    std::vector<FilePath> points;
+    for (const std::string_view line : splitDroppingEmpty(mountinfo, '\n')) {
+        const std::vector<std::string_view> fields = splitDroppingEmpty(line, ' ');
+        if (std::ssize(fields) > mountPointField)
+            points.emplace_back(unescapedMountField(fields[mountPointField]));
+    }
+    return points;
+}
+
 std::optional<FilePath> sourceOfMount(std::string_view mountinfo, const FilePath& mountPoint) {
-    constexpr std::ptrdiff_t mountPointField = 4;
     constexpr std::ptrdiff_t fieldsFromMarkToSource = 2;
     std::optional<FilePath> source;
     for (const std::string_view line : splitDroppingEmpty(mountinfo, '\n')) {

@@ -41,6 +41,7 @@ CleanupCoordinator::CleanupCoordinator(const Surroundings& surroundings, const G
                                        CleanupReceiptStore& receipts, WorktreeInspecting& inspector)
     : Actor(surroundings.pool),
       blocking_(surroundings.blocking),
+      volumes_(surroundings.volumes),
       clock_(surroundings.clock),
       supportDirectory_(surroundings.supportDirectory),
       git_(git),
@@ -180,7 +181,7 @@ Task<> CleanupCoordinator::lookOnceMore(Run& run) {
                                         : ExpectedHead::reviewed(reviewed),
                                     run.archived,
                                     {supportDirectory_}};
-    const auto look = [&question] { return lookBeforeRemoval(question); };
+    const auto look = [&] { return lookBeforeRemoval(question, volumes_); };
     const std::optional<CairnfieldError> objection = co_await runOn(blocking_, look);
     if (objection) throw CairnfieldError(*objection);
 }

@@ -31,7 +31,8 @@ public:
     /// Where it works; all of it outlives the coordinator.
     struct Surroundings {
         Executor& pool;
-        Executor& blocking;         ///< for looking at the tree
+        Executor& blocking;  ///< for looking at the tree
+        const VolumeInformation& volumes;
         const WallClock& clock;     ///< dates receipts
         FilePath supportDirectory;  ///< ours: what must never lie in a worktree that goes
     };
@@ -74,6 +75,7 @@ private:
     Task<> lookOnceMore(Run& run);
 
     Executor& blocking_;
+    const VolumeInformation& volumes_;
     const WallClock& clock_;
     const FilePath supportDirectory_;
     const GitCommandRunner git_;

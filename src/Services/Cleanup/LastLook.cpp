@@ -2,12 +2,12 @@
 
 #include "Services/Cleanup/ArchivedCopies.h"
 #include "Services/Cleanup/HiddenFiles.h"
-#include "Services/Cleanup/MountTable.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
 #include "Services/Cleanup/WorktreeGitFiles.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/Git/IgnoredFileClassifier.h"
+#include "Shared/Paths/PathContainment.h"
 
 #include <sys/stat.h>
 
@@ -55,10 +55,10 @@ Objection objectionToOperation(const WorktreeGitFiles& files) {
     return "A " + std::string(displayName(*operation)) + " is in progress.";
 }
 
-Objection objectionToMounts(const FilePath& worktree) {
+Objection objectionToMounts(const FilePath& worktree, const VolumeInformation& volumes) {
     const std::optional<FilePath> folder = resolvedPath(worktree);
-    for (const FilePath& point : presentMountPoints()) {
-        if (folder && liesIn(point, *folder))
+    for (const FilePath& point : volumes.mountPoints()) {
+        if (folder && isAtOrBelow(point, *folder))
             return "Something is mounted inside it: " + point.display() + ".";
     }
     return std::nullopt;
@@ -108,7 +108,7 @@ TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries) {
     return question;
 }
 
-Objection objectionTo(const LastLookQuestion& question) {
+Objection objectionTo(const LastLookQuestion& question, const VolumeInformation& volumes) {
     const Worktree& reviewed = question.reviewed;
     const std::optional<WorktreeGitFiles> files = gitFilesOf(reviewed.path);
     if (!files || resolvedPath(reviewed.gitCommonDir) != files->common)
@@ -119,7 +119,7 @@ Objection objectionTo(const LastLookQuestion& question) {
     if (objection) return objection;
     objection = whatMustStayInside(reviewed, *files, question.mustStay);
     if (objection) return objection;
-    objection = objectionToMounts(reviewed.path);
+    objection = objectionToMounts(reviewed.path, volumes);
     if (objection) return objection;
 
     const std::optional<Entries> entries = readGitIndex(files->own, objectBytes(reviewed));
@@ -143,10 +143,11 @@ ExpectedHead ExpectedHead::reviewed(const Worktree& worktree) {
     return worktree.headSHA ? ExpectedHead{Form::commit, *worktree.headSHA} : ExpectedHead{Form::unborn, {}};
 }
 
-std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question) {
+std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question,
+                                                 const VolumeInformation& volumes) {
     Objection objection;
     try {
-        objection = objectionTo(question);
+        objection = objectionTo(question, volumes);
     } catch (const std::exception& failure) {
         objection = "It could not be looked at once more: " + describe(failure);
     }

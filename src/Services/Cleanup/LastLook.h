@@ -9,6 +9,7 @@
 
 #include "Models/RecoveryVaultEntry.h"
 #include "Models/Worktree.h"
+#include "Platform/Volume.h"
 #include "Shared/Errors/CairnfieldError.h"
 
 #include <optional>
@@ -42,6 +43,7 @@ struct LastLookQuestion {
 };
 
 /// Why the worktree must not be removed now; absent when nothing speaks against it.
-[[nodiscard]] std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question);
+[[nodiscard]] std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question,
+                                                               const VolumeInformation& volumes);
 
 }  // namespace cairnfield

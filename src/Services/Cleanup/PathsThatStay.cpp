@@ -1,6 +1,6 @@
 #include "Services/Cleanup/PathsThatStay.h"
 
-#include "Services/Cleanup/MountTable.h"
+#include "Shared/Paths/PathContainment.h"
 
 #include <system_error>
 #include <utility>
@@ -89,7 +89,7 @@ std::optional<std::string> whatMustStayInside(const Worktree& worktree, const Wo
     if (!folder) return std::nullopt;
     for (Place& place : placesThatStay(worktree, files, ours)) {
         const std::optional<FilePath> resolved = whereItIs(place.path);
-        if (resolved && liesIn(*resolved, *folder)) return std::move(place.what);
+        if (resolved && isAtOrBelow(*resolved, *folder)) return std::move(place.what);
     }
     return std::nullopt;
 }

@@ -7,6 +7,7 @@
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -126,6 +127,17 @@ TEST(VolumeLabel, IsDecoded) {
     EXPECT_EQ(decodedLabel("\\x"), "\\x");
     EXPECT_EQ(decodedLabel("\\xzz\\x41"), "\\xzzA");
     EXPECT_EQ(decodedLabel(""), "");
+}
+
+TEST(LinuxVolumeInformation, KnowsTheRootOfThisMachine) {
+    const std::vector<FilePath> points = LinuxVolumeInformation().mountPoints();
+    EXPECT_NE(std::ranges::find(points, FilePath("/")), points.end());
+}
+
+TEST(LinuxVolumeInformation, FailsWithoutATableOfMounts) {
+    const TemporaryDirectory home;
+    const LinuxVolumeInformation volumes(FilePath("/nowhere"), home.path().appending("missing"));
+    EXPECT_THROW((void)volumes.mountPoints(), std::system_error);
 }
 
 }  // namespace

@@ -28,6 +28,13 @@ TEST(MountTable, NamesNothingElsewhere) {
     EXPECT_EQ(sourceOfMount("", FilePath("/")), std::nullopt);
 }
 
+TEST(MountTable, ReadsMountPointsWithOddNames) {
+    EXPECT_EQ(
+        mountPointsIn("22 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                      "40 22 0:5 / /mnt/a\\040b\\134c rw,nosuid shared:1 - tmpfs tmpfs rw\nshort line\n"),
+        (std::vector{FilePath("/"), FilePath("/mnt/a b\\c")}));
+}
+
 TEST(MountTable, ReadsEscapedFields) {
     EXPECT_EQ(unescapedMountField("a\\040b\\011c\\134d"), "a b\tc\\d");
     EXPECT_EQ(unescapedMountField("\\04"), "\\04");

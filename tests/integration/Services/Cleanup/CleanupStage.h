@@ -2,6 +2,7 @@
 // A project with a remote over a file path and a linked worktree "feature", and the whole cleanup pipeline
 // around it: real git, real files, the real vault and receipts. Only the hosting service is made up.
 
+#include "Platform/Linux/LinuxVolumeInformation.h"
 #include "Services/Cleanup/CleanupCoordinator.h"
 #include "Services/Cleanup/RecoveryVaultService.h"
 #include "integration/Services/Cleanup/InterferingProcessRunner.h"
@@ -95,16 +96,18 @@ protected:
     GitCommandRunner git{commands, services.git.gitURL()};
     GitWorktreeInspector inspector{git, services.scanner, services.detector};
     SettableVolume volume;
+    LinuxVolumeInformation mounts;
     ApplicationSupport support{home / "data", home / "config"};
     RecoveryVaultService vault{services.pool, support, volume, services.clock, 1'000'000};
     CleanupReceiptStore receipts{services.pool, support};
     MadeUpGitHub github;
-    CleanupCoordinator coordinator{{services.pool, services.pool, services.clock, support.directory()},
-                                   git,
-                                   github,
-                                   vault,
-                                   receipts,
-                                   inspector};
+    CleanupCoordinator coordinator{
+        {services.pool, services.pool, mounts, services.clock, support.directory()},
+        git,
+        github,
+        vault,
+        receipts,
+        inspector};
 
 private:
     /// Without anybody's settings, and made safe as the program makes it.

@@ -18,7 +18,7 @@ protected:
     /// The objection's own words, without those of the error; empty when there is none.
     std::string look(const Worktree& reviewed, std::vector<FilePath> ours = {}) {
         const LastLookQuestion question{reviewed, ExpectedHead::reviewed(reviewed), {}, std::move(ours)};
-        const std::optional<CairnfieldError> objection = lookBeforeRemoval(question);
+        const std::optional<CairnfieldError> objection = lookBeforeRemoval(question, mounts);
         if (!objection) return {};
         const auto* refusal = objection->as<CairnfieldError::WorktreeRemovalFailed>();
         if (refusal) EXPECT_EQ(refusal->path, reviewed.path.bytes());

@@ -1,4 +1,4 @@
-#include "Services/Cleanup/MountTable.h"
+#include "Platform/Linux/LinuxVolumeInformation.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
 #include "support/SmallDisk.h"
@@ -74,7 +74,7 @@ TEST(TreeLook, RefusesAnotherFileSystemInside) {
         const FilePath inner = disk.appending("tree/inner");
         fs::create_directories(inner.bytes());
         if (mount("tmpfs", inner.c_str(), "tmpfs", 0, nullptr) != 0) return "could not mount";
-        const std::vector<FilePath> points = presentMountPoints();
+        const std::vector<FilePath> points = LinuxVolumeInformation().mountPoints();
         if (std::ranges::find(points, inner) == points.end()) return "not in the table";
         return lookAtTree({disk.appending("tree"), {}, {}}).objection.value_or("nothing");
     };
@@ -90,25 +90,6 @@ TEST(TreeLook, NamesWhatLiesDirectlyUnderTheRoot) {
     const TreeLook look = lookAtTree({home.path().appending("tree"), {}, {}});
     EXPECT_EQ(look.objection, std::nullopt);
     EXPECT_THAT(look.topLevelNames, UnorderedElementsAre("a", ".git"));
-}
-
-TEST(MountTable, ReadsMountPointsWithOddNames) {
-    EXPECT_THAT(
-        mountPoints("22 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
-                    "40 22 0:5 / /mnt/a\\040b\\134c rw,nosuid shared:1 - tmpfs tmpfs rw\nshort line\n"),
-        ElementsAre(FilePath("/"), FilePath("/mnt/a b\\c")));
-}
-
-TEST(MountTable, KnowsTheRootOfThisMachine) {
-    EXPECT_THAT(presentMountPoints(), testing::Contains(FilePath("/")));
-}
-
-TEST(MountTable, TellsWhatLiesInAFolderByWholeNames) {
-    EXPECT_TRUE(liesIn(FilePath("/a/b"), FilePath("/a")));
-    EXPECT_TRUE(liesIn(FilePath("/a"), FilePath("/a")));
-    EXPECT_TRUE(liesIn(FilePath("/a"), FilePath("/")));
-    EXPECT_FALSE(liesIn(FilePath("/ab"), FilePath("/a")));
-    EXPECT_FALSE(liesIn(FilePath("/a"), FilePath("/a/b")));
 }
 
 TEST(PlaceOfARemote, IsAPathOnThisDiskOrNothing) {

@@ -1,4 +1,5 @@
 #include "Services/Storage/SystemVolumeCapacityReader.h"
+#include "support/SettableVolume.h"
 #include "support/SettableWallClock.h"
 
 #include <gtest/gtest.h>
@@ -8,22 +9,11 @@
 namespace cairnfield {
 namespace {
 
-class StagedVolume final : public VolumeInformation {
-public:
-    [[nodiscard]] VolumeFacts facts(const FilePath& path) const override {
-        EXPECT_EQ(path, FilePath("/home/ada"));
-        if (fails) throw std::system_error(EIO, std::generic_category(), "/home/ada");
-        return answer;
-    }
-    VolumeFacts answer;
-    bool fails = false;
-};
-
 class CapacityReader : public testing::Test {
 protected:
     StorageSnapshot read() { return reader.snapshot(FilePath("/home/ada")); }
 
-    StagedVolume volume;
+    SettableVolume volume;
     SettableWallClock clock;
     SystemVolumeCapacityReader reader{volume, clock};
 };
@@ -35,6 +25,7 @@ TEST_F(CapacityReader, TakesWhatTheSystemGives) {
                      .name = "Data",
                      .root = FilePath("/home")};
     EXPECT_EQ(read(), (StorageSnapshot{FilePath("/home"), "Data", 1000, 300, clock.now()}));
+    EXPECT_EQ(volume.asked, std::vector{FilePath("/home/ada")});
 }
 
 TEST_F(CapacityReader, FallsBackFieldByField) {
@@ -53,7 +44,7 @@ TEST_F(CapacityReader, DatesAReadingByTheClockAsItIs) {
 }
 
 TEST_F(CapacityReader, PassesAFailureOn) {
-    volume.fails = true;
+    volume.missing = {FilePath("/home/ada")};
     EXPECT_THROW((void)read(), std::system_error);
 }
 
