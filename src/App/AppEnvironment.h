@@ -19,6 +19,7 @@ class ProcessRunning;
 class TreeMeasuring;
 class UpdateChecking;
 class VolumeCapacityReading;
+class VolumeInformation;
 class WallClock;
 class Workspace;
 
@@ -33,6 +34,7 @@ struct AppEnvironment {
     TreeMeasuring& treeMeasurer;
     const PathAuthorizing& authorization;
     const VolumeCapacityReading& capacityReader;
+    const VolumeInformation& volumes;
     FileEventStreamCreating& fileEventStreams;
     NotificationDelivering& notifications;
     NotificationCenter& notificationCenter;  ///< for the answers of the person

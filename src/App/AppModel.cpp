@@ -1,5 +1,6 @@
 #include "App/AppModel.h"
 
+#include "App/CleanupServices.h"
 #include "App/NotificationCenterDelegate.h"
 #include "Platform/NotificationCenter.h"
 #include "Services/FileSystem/ChangeDebouncer.h"
@@ -32,6 +33,7 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
       folderStore_(environment_.pool, environment_.support, environment_.wallClock),
       historyStore_(environment_.pool, environment_.support),
       activityDetector_(environment_.wallClock),
+      cleanup_(std::make_unique<CleanupServices>(environment_, settings.recoveryVaultMaxFileBytes.get())),
       answering_(static_cast<NotificationAnswering*>(this), [](NotificationAnswering*) {}),
       operations_(logUnexpectedFailure) {}
 
@@ -72,6 +74,7 @@ Task<> AppModel::loadPersistedState() {
     std::vector<StorageHistorySample> history = co_await historyStore_.samples();
     state_.storageHistory.set(std::move(history));
     co_await reloadFolders();
+    co_await reloadCleanupRecords();
     restartFileSystemWatching();
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 // The one object that holds state for the screens and decides when work happens. It owns every store and
 // service; screens read state() and call the operations, services never call screens. Confined to the main
-// thread: every operation runs there, gives it up only where it waits, and two operations can interleave only
-// at those points. Operations do not throw, but where one says so: what goes wrong stands in a published text
-// or in the log.
+// thread, which operations give up only where they wait. They do not throw, but where one says so: what goes
+// wrong stands in a published text or in the log.
 //
 // One class, one header, a source for each concern: AppModel.cpp (construction, start, stop), and, by their
 // names, Monitoring (loops, reading the volume), Alerts (what is news, and its delivery), Watching (file
-// events), Folders, Worktrees (git services, refresh, sizing, pins) and Settings (what a switch sets off).
+// events), Folders, Worktrees (git services, refresh, sizing, pins), Cleanup (with its records and the vault)
+// and Settings (what a switch sets off).
 
 #include "App/AppEnvironment.h"
 #include "App/AppState.h"
@@ -20,7 +20,6 @@
 #include "Services/Git/WorktreeCatalog.h"
 #include "Shared/Concurrency/TaskScope.h"
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -28,8 +27,11 @@
 namespace cairnfield {
 
 class ChangeDebouncer;
+class CleanupServices;
 class FileSystemEventMonitoring;
 class NotificationCenterDelegate;
+struct CleanupPlan;
+struct CleanupPreflightReport;
 struct NotificationRequestPayload;
 
 class AppModel final : public Isolated, private NotificationAnswering {
@@ -56,19 +58,14 @@ public:
     [[nodiscard]] bool launchAtLoginEnabled() const;  ///< asks the desktop
 
     Task<> start();  ///< once, at launch
-    /// At the program's end: cancels everything under way and returns when it has ended.
-    Task<> stop();
+    Task<> stop();   ///< at the end: cancels what is under way, but a cleanup, and waits until all has ended
 
-    /// The poll, the reconciliation and the watching of file events.
-    void startMonitoring();
-    /// Stops all three and sizing, and takes one last reading of the volume.
-    void pauseMonitoring();
+    void startMonitoring();         ///< the poll, the reconciliation and the watching of file events
+    void pauseMonitoring();         ///< stops all three and sizing; the volume is read once more
     void setMonitoring(bool isOn);  ///< as a person does: the choice is stored
-    /// One reading of the home's volume, with history and the judgement whether it is news. Calls may
-    /// overlap.
+    /// One reading of the home's volume, its history, and whether it is news. Calls may overlap.
     Task<> refreshStorage();
-    /// The volume, all folders past the cache, all worktrees.
-    Task<> scanNow();
+    Task<> scanNow();  ///< the volume, all folders past the cache, all worktrees
 
     // Folders.
     Task<> addWatchedFolder(FilePath url);
@@ -78,33 +75,34 @@ public:
     Task<> scan(WatchedFolder folder, bool force);
     /// One after another, the enabled folders that are not snoozed.
     Task<> scanAllFolders(bool force);
-    /// Of any directory. The one operation here that throws, as DirectoryScanning::size does.
+    /// Of any directory; throws as DirectoryScanning::size does.
     Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);
 
     // Worktrees.
-    /// Finds git and gh anew with the present settings. Blocks while it looks.
-    Task<> refreshIntegrations();
+    Task<> refreshIntegrations();  ///< finds git and gh anew; blocks while it looks
     /// Asks git for everything under the enabled folders, then sizes. A call during a refresh does nothing.
     Task<> refreshWorktrees(bool includeSizes);
     void startSizing(bool force);
     void cancelSizing();
-    /// Returns when sizing, if any is under way, has ended.
-    Task<> sizingFinished();
+    Task<> sizingFinished();      ///< returns when none is under way
     Task<> refreshRemoteState();  ///< looks up pull requests
     Task<> togglePin(Worktree worktree);
 
+    // Cleanup.
+    [[nodiscard]] CleanupPlan makePlan(const Worktree& worktree) const;  ///< what the settings propose
+    Task<CleanupPreflightReport> preflight(Worktree worktree);
+    /// Runs to its end, whatever is cancelled. Absent when git is unusable: nothing ran.
+    Task<std::optional<CleanupReceipt>> execute(CleanupPlan plan);
+    Task<> removeVaultEntry(RecoveryVaultEntry entry);
+    Task<> restoreVaultEntry(RecoveryVaultEntry entry, FilePath destination);  ///< throws as the vault does
+
     // The desktop.
-    /// Asks for leave to notify, and stores the answer as the setting.
-    Task<> enableNotifications();
-    /// Gives what went wrong, which is published too.
-    Task<std::optional<std::string>> deliver(NotificationRequestPayload payload);
+    Task<> enableNotifications();  ///< asks for leave, and stores the answer as the setting
+    Task<std::optional<std::string>> deliver(NotificationRequestPayload payload);  ///< gives what went wrong
     void snoozeIncident(int hours) override;
     void ignoreCurrentIncident() override;
-    /// A failure leaves the setting as it was, with a line in the log.
-    void setLaunchAtLogin(bool isOn);
-
-    /// Starts an operation that a person asked for and that nobody waits for; it is joined by stop().
-    void run(Task<> operation);
+    void setLaunchAtLogin(bool isOn);  ///< a failure leaves the setting as it was, with a line in the log
+    void run(Task<> operation);        ///< what a person asked for and nobody waits for but stop()
 
 private:
     friend class AppModelStaging;  // tests and previews set the state that a screen shows
@@ -122,6 +120,8 @@ private:
     Task<> sizeAll(std::vector<FilePath> paths, bool force, std::uint64_t run);
     Task<> measureFolder(WatchedFolder folder, bool force);
     Task<> reloadFolders();
+    Task<> reloadCleanupRecords();
+    Task<> show(CleanupProgress progress);
 
     SettingsStore& settings_;
     AppEnvironment environment_;
@@ -130,6 +130,7 @@ private:
     WatchedFolderStore folderStore_;
     StorageHistoryStore historyStore_;
     FileSystemActivityDetector activityDetector_;
+    std::unique_ptr<CleanupServices> cleanup_;
     std::shared_ptr<GitHubServicing> githubService_;  ///< absent until the tools were looked for
     /// Absent while git is unusable; shared with a refresh under way.
     std::shared_ptr<WorktreeCatalog> catalog_;

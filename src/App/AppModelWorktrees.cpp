@@ -1,4 +1,5 @@
 #include "App/AppModel.h"
+#include "App/CleanupServices.h"
 #include "Models/WorktreeGroups.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/GitHub/GitHubCLIService.h"
@@ -57,6 +58,7 @@ void AppModel::configureGitServices() {
         git = locator.locateGit();
     } catch (const CairnfieldError& error) {
         catalog_.reset();
+        cleanup_->replaceCrew(nullptr);
         state_.gitPath.set(std::nullopt);
         state_.gitStatusMessage.set(error.errorDescription());
         return;
@@ -73,6 +75,12 @@ void AppModel::configureGitServices() {
     } catch (const CairnfieldError& error) {
         githubService_ = std::make_shared<UnavailableGitHubService>(error);
     }
+    const CleanupCoordinator::Surroundings surroundings{environment_.pool, environment_.blocking,
+                                                        environment_.volumes, environment_.wallClock,
+                                                        environment_.support.directory()};
+    cleanup_->replaceCrew(std::make_shared<CleanupServices::Crew>(
+        surroundings, *cleanup_, runner, githubService_,
+        std::make_unique<GitWorktreeInspector>(runner, scanner_, activityDetector_)));
 }
 
 Task<> AppModel::refreshIntegrations() {

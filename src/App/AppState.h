@@ -2,12 +2,15 @@
 // Every value that a screen shows, each telling its observers on the main thread when, and only when, it
 // really changed. Owned by AppModel alone; screens get it as a constant. Main thread only.
 
+#include "Models/CleanupReceipt.h"
 #include "Models/DirectoryScan.h"
 #include "Models/ProjectUsage.h"
+#include "Models/RecoveryVaultEntry.h"
 #include "Models/Storage.h"
 #include "Models/StorageHistory.h"
 #include "Models/WatchedFolder.h"
 #include "Models/Worktree.h"
+#include "Services/Cleanup/CleanupPlan.h"
 #include "Services/GitHub/GitHubServicing.h"
 #include "Services/Storage/StorageIncidentTracker.h"
 #include "Shared/Concurrency/Published.h"
@@ -42,6 +45,12 @@ struct AppState {
         gitStatusMessage;                        ///< why git is unusable; absent when it was found
     Published<std::optional<FilePath>> gitPath;  ///< where git was found
     Published<GitHubIntegrationStatus> githubStatus{GitHubIntegrationStatus::unavailable()};
+
+    Published<std::vector<CleanupReceipt>> receipts;          ///< newest first
+    Published<std::vector<RecoveryVaultEntry>> vaultEntries;  ///< in the order of the vault's index
+    Published<std::optional<CleanupProgress>> activeCleanup;  ///< what the cleanup under way reported last
+    Published<int> cleanupsUnderWay{0};                       ///< the program does not end before they have
+    Published<std::optional<CleanupReceipt>> lastReceipt;  ///< of the last cleanup of this run of the program
 
     Published<bool> notificationAuthorizationDenied{
         false};  ///< the last delivery or request for leave failed

@@ -45,6 +45,7 @@ CairnfieldApp::CairnfieldApp(const BaseDirectories& directories, SingleInstance&
                          .treeMeasurer = machine_.treeMeasurer,
                          .authorization = machine_.authorization,
                          .capacityReader = machine_.capacityReader,
+                         .volumes = machine_.volumes,
                          .fileEventStreams = machine_.fileEventStreams,
                          .notifications = desktop_.notifications,
                          .notificationCenter = desktop_.notificationCenter,

@@ -6,6 +6,7 @@
 #include "Platform/Linux/BaseDirectories.h"
 #include "Platform/Linux/Desktop/LinuxAppearance.h"
 #include "Platform/Linux/Desktop/LinuxNotificationCenter.h"
+#include "Platform/Linux/Desktop/LinuxPasteboard.h"
 #include "Platform/Linux/Desktop/LinuxWorkspace.h"
 #include "Platform/Linux/Desktop/StatusNotifierItem.h"
 #include "Services/Notifications/SystemNotificationService.h"
@@ -22,6 +23,7 @@ struct Desktop {
 
     LinuxAppearance appearance;
     LinuxWorkspace workspace;
+    LinuxPasteboard pasteboard;
     StatusNotifierItem statusItem;
     LinuxNotificationCenter notificationCenter;
     SystemNotificationService notifications{notificationCenter};

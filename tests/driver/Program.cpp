@@ -99,6 +99,7 @@ void Program::run(const std::function<Task<>(AppModel&)>& work) {
                                                   .treeMeasurer = parts.treeMeasurer,
                                                   .authorization = parts.authorization,
                                                   .capacityReader = parts.capacityReader,
+                                                  .volumes = parts.volumes,
                                                   .fileEventStreams = parts.fileEventStreams,
                                                   .notifications = parts.notifications,
                                                   .notificationCenter = parts.notificationCenter,

@@ -53,4 +53,21 @@ NotificationRequestPayload NotificationCatalogue::growthAnomaly(const WatchedFol
     return payload;
 }
 
+NotificationRequestPayload NotificationCatalogue::cleanupEnded(const CleanupReceipt& receipt) {
+    NotificationRequestPayload payload;
+    payload.identifier = "cleanup." + receipt.id.text();
+    if (receipt.outcome == CleanupOutcome::succeeded) {
+        payload.kind = NotificationKind::cleanupCompleted;
+        payload.title = "Cleanup complete";
+        payload.body = "Reclaimed about " +
+                       ByteFormatting::string(std::max<std::int64_t>(receipt.reclaimedBytes, 0)) + " from " +
+                       shown(receipt.repositoryName) + ".";
+    } else {
+        payload.kind = NotificationKind::cleanupFailed;
+        payload.title = "Cleanup stopped, work is safe";
+        payload.body = receipt.errorSummary ? repairedUTF8(*receipt.errorSummary) : "Nothing was deleted.";
+    }
+    return payload;
+}
+
 }  // namespace cairnfield

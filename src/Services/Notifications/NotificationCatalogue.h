@@ -1,8 +1,10 @@
 #pragma once
 // The live notifications, word for word, with the identifiers by which a repeat takes the place of what is
 // shown instead of standing beside it: storage ones hold only the level, folder ones the alert's nature and
-// the folder's identity. Pure functions, any thread. Numbers follow the user's locale.
+// the folder's identity, those of a cleanup its receipt's. Pure functions, any thread. Numbers follow the
+// user's locale.
 
+#include "Models/CleanupReceipt.h"
 #include "Models/Storage.h"
 #include "Models/WatchedFolder.h"
 #include "Services/Notifications/Notification.h"
@@ -22,5 +24,8 @@ namespace cairnfield::NotificationCatalogue {
 /// `growthBytes` over the last `hours`, shrinking negative.
 [[nodiscard]] NotificationRequestPayload growthAnomaly(const WatchedFolder& folder, std::int64_t growthBytes,
                                                        std::int64_t hours);
+
+/// `cleanupCompleted` for a receipt of success, `cleanupFailed` for any other.
+[[nodiscard]] NotificationRequestPayload cleanupEnded(const CleanupReceipt& receipt);
 
 }  // namespace cairnfield::NotificationCatalogue

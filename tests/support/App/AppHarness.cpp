@@ -38,6 +38,7 @@ std::unique_ptr<AppModel> AppHarness::makeModel() {
                                  .treeMeasurer = orOurs(replacements_.treeMeasurer, treeMeasurer),
                                  .authorization = authorization,
                                  .capacityReader = volume,
+                                 .volumes = mounts,
                                  .fileEventStreams = fileEventStreams,
                                  .notifications = notifications,
                                  .notificationCenter = notificationCenter,

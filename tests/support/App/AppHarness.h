@@ -7,6 +7,7 @@
 #include "Persistence/SettingsStore.h"
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
+#include "Platform/Linux/LinuxVolumeInformation.h"
 #include "Services/Permissions/InMemoryLaunchAtLoginService.h"
 #include "Services/Permissions/PathAuthorization.h"
 #include "Services/Process/SystemProcessRunner.h"
@@ -78,6 +79,7 @@ public:
     DirectDistributionPathAuthorization authorization;
     ApplicationSupport support{home.path().appending("data"), home.path().appending("config")};
     FakeVolume volume{wallClock};
+    LinuxVolumeInformation mounts;
     FakeFileEventStreams fileEventStreams;
     FakeNotifications notifications;
     FakeNotificationCenter notificationCenter;

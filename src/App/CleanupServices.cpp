@@ -1,0 +1,34 @@
+#include "App/CleanupServices.h"
+
+#include <utility>
+
+namespace cairnfield {
+
+CleanupServices::Crew::Crew(const CleanupCoordinator::Surroundings& surroundings, CleanupServices& services,
+                            GitCommandRunner gitRunner, std::shared_ptr<GitHubServicing> githubService,
+                            std::unique_ptr<WorktreeInspecting> worktreeInspector)
+    : git(std::move(gitRunner)),
+      github(std::move(githubService)),
+      inspector(std::move(worktreeInspector)),
+      coordinator(surroundings, git, *github, services.vault, services.receipts, *inspector) {}
+
+// The vault copies and compares whole files within a call.
+CleanupServices::CleanupServices(const AppEnvironment& environment, std::int64_t maximumVaultFileBytes)
+    : receipts(environment.pool, environment.support),
+      vault(environment.blocking, environment.support, environment.volumes, environment.wallClock,
+            maximumVaultFileBytes) {}
+
+void CleanupServices::replaceCrew(std::shared_ptr<Crew> crew) {
+    if (underWay_ > 0) {
+        next_ = std::move(crew);
+    } else {
+        crew_ = std::move(crew);
+    }
+}
+
+void CleanupServices::cleanupEnded() {
+    --underWay_;
+    if (underWay_ == 0 && next_) crew_ = *std::exchange(next_, std::nullopt);
+}
+
+}  // namespace cairnfield
