@@ -77,6 +77,10 @@ void CairnfieldApp::connectWindows() {
     QObject::connect(&window_, &MainWindow::quitRequested, qGuiApp, &QCoreApplication::quit);
     QObject::connect(&panel_, &PanelWindow::quitRequested, qGuiApp, &QCoreApplication::quit);
     QObject::connect(&screens_.menuBar, &MenuBarViewModel::quitRequested, qGuiApp, &QCoreApplication::quit);
+    QObject::connect(&quitGate_, &QuitGate::heldBack, &window_, [this] {
+        screens_.root.showThatQuitWaits();
+        window_.bringForward();
+    });
     instance_.onActivate([this](const std::string& token) { showWindow(token); });
 }
 
@@ -94,7 +98,11 @@ int CairnfieldApp::run(Launch launch) {
     panel_.close();
     window_.release();
     QEventLoop loop;
-    QTimer::singleShot(endLimit, &loop, [status] { leaveAtOnce(status); });
+    QTimer limit;
+    QObject::connect(&limit, &QTimer::timeout, &loop, [this, status] {
+        if (model_.state().cleanupsUnderWay.get() == 0) leaveAtOnce(status);
+    });
+    limit.start(endLimit);
     const TaskHandle<> ending = spawn(machine_.mainThread, end(loop));
     // Whoever asks for the end once more ends the loop, not what is under way.
     while (!ending.done()) loop.exec();

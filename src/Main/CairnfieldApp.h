@@ -9,6 +9,7 @@
 #include "Main/MainWindow.h"
 #include "Main/MenuBarExtra.h"
 #include "Main/PanelWindow.h"
+#include "Main/QuitGate.h"
 #include "Main/Screens.h"
 #include "Main/WindowPresence.h"
 #include "Persistence/SettingsStore.h"
@@ -16,6 +17,7 @@
 #include "Platform/SingleInstance.h"
 
 #include <QEventLoop>
+#include <QGuiApplication>
 
 #include <optional>
 
@@ -50,6 +52,7 @@ private:
     Screens screens_;
     std::optional<MenuBarExtra> menuBarExtra_;  ///< until the end begins: nothing opens any more then
     WindowPresence presence_;
+    QuitGate quitGate_{*qGuiApp, model_.state().cleanupsUnderWay};
 };
 
 }  // namespace cairnfield

@@ -55,6 +55,10 @@ ApplicationWindow {
         preferences: window.preferences
     }
 
+    QuitNotice {
+        isShown: window.viewModel.quitsAfterCleanup
+    }
+
     Instantiator {
         model: 8
         delegate: Shortcut {

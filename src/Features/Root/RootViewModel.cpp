@@ -79,6 +79,11 @@ QString RootViewModel::freeText() const {
     return toQString(ByteFormatting::string(snapshot->availableCapacity)) + QStringLiteral(" free");
 }
 
+void RootViewModel::showThatQuitWaits() {
+    quitsAfterCleanup_ = true;
+    emit quitsAfterCleanupChanged();
+}
+
 void RootViewModel::appeared() {
     if (std::exchange(hasAppeared_, true)) return;
     model_.run(refreshAtFirstAppearance(model_, started_));

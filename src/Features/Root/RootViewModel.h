@@ -30,6 +30,7 @@ class RootViewModel final : public QObject {
     Q_PROPERTY(QString levelSymbolName READ levelSymbolName NOTIFY storageChanged)
     Q_PROPERTY(QString levelTint READ levelTint NOTIFY storageChanged)
     Q_PROPERTY(QString freeText READ freeText NOTIFY storageChanged)
+    Q_PROPERTY(bool quitsAfterCleanup READ quitsAfterCleanup NOTIFY quitsAfterCleanupChanged)
 
 public:
     /// `model` outlives the view model. `started` is the model's start-up, which the first appearance waits
@@ -52,6 +53,10 @@ public:
     [[nodiscard]] QString levelTint() const;
     [[nodiscard]] QString freeText() const;
 
+    /// The person asked for the end, and it waits.
+    [[nodiscard]] bool quitsAfterCleanup() const { return quitsAfterCleanup_; }
+    void showThatQuitWaits();
+
     /// The first time, the worktrees are looked for, when there are folders to look in and nothing was found
     /// yet.
     Q_INVOKABLE void appeared();
@@ -64,6 +69,7 @@ public:
 signals:
     void selectionChanged();
     void storageChanged();
+    void quitsAfterCleanupChanged();
 
 private:
     AppModel& model_;
@@ -72,6 +78,7 @@ private:
     SidebarSection selection_ = SidebarSection::overview;
     TypeAhead typeAhead_;
     bool hasAppeared_ = false;
+    bool quitsAfterCleanup_ = false;
     std::vector<Subscription> subscriptions_;
 };
 
