@@ -3,6 +3,7 @@
 #include "Services/Git/WorktreeSafetyClassifier.h"
 #include "Shared/Concurrency/CurrentTask.h"
 #include "Shared/Logging/Log.h"
+#include "Shared/Text/Text.h"
 
 #include <algorithm>
 #include <optional>
@@ -85,7 +86,8 @@ Task<> WorktreeCatalog::inspectRepository(FilePath repository, RefreshOptions op
         std::vector<GitWorktreeEntry> listed = co_await inspector_->listWorktrees(repository);
         entries = std::move(listed);
     } catch (const std::exception& failure) {
-        Log::git().debug("Listing the worktrees of {} failed: {}", repository.display(), describe(failure));
+        Log::git().debug("Listing the worktrees of {} failed: {}", repository.display(),
+                         visibleText(describe(failure)));
         co_return;
     }
     const WorktreeInspectionOptions inspection{.includeSize = options.includeSizes,
@@ -118,7 +120,8 @@ Task<> WorktreeCatalog::attachPullRequest(Worktree& worktree, GitHubServicing& g
             co_await github.findPullRequest(*worktree.branch, worktree.path, remote->host());
         worktree.pullRequest = std::move(found);
     } catch (const std::exception& failure) {
-        Log::git().debug("No word on a pull request for {}: {}", worktree.path.display(), describe(failure));
+        Log::git().debug("No word on a pull request for {}: {}", worktree.path.display(),
+                         visibleText(describe(failure)));
         co_return;
     }
     worktree.safety = WorktreeSafetyClassifier::classify(worktree);

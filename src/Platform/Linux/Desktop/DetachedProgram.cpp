@@ -52,6 +52,7 @@ void startDetached(const FilePath& executable, const std::vector<std::string>& a
     std::vector<std::string> words{executable.bytes()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words) pointers.push_back(word.data());
     pointers.push_back(nullptr);
 

@@ -55,6 +55,7 @@ void PendingNotifications::removeAll() {
 
 std::vector<std::string> PendingNotifications::identifiers() const {
     std::vector<std::string> identifiers;
+    identifiers.reserve(waiting_.size());
     for (const Waiting& waiting : waiting_) identifiers.push_back(waiting.identifier);
     return identifiers;
 }
