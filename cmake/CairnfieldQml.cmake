@@ -15,11 +15,12 @@ function(cairnfield_moc target)
 endfunction()
 
 # cairnfield_qml_module(Name [QML a.qml ...] [SINGLETONS b.qml ...] [SOURCES c.cpp c.h ...] [RESOURCES icons/d.svg ...]
-#                       LINKS Module ... [LIBRARIES Qt6::X ...])
+#                       LINKS Module ... [LIBRARIES Qt6::X ...] [TYPES_FROM Module ...])
+# TYPES_FROM names the QML modules whose types the properties of this one's C++ types have.
 # Gives Cairnfield::Name, and Cairnfield::NamePlugin for whoever imports the module in a program: its source also says
 # Q_IMPORT_QML_PLUGIN(Cairnfield_NamePlugin).
 function(cairnfield_qml_module name)
-  cmake_parse_arguments(ARG "" "" "QML;SINGLETONS;SOURCES;RESOURCES;LINKS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "QML;SINGLETONS;SOURCES;RESOURCES;LINKS;LIBRARIES;TYPES_FROM" ${ARGN})
   set(target cairnfield_${name})
   if(ARG_SINGLETONS)
     set_source_files_properties(${ARG_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
@@ -28,6 +29,7 @@ function(cairnfield_qml_module name)
   add_library(Cairnfield::${name} ALIAS ${target})
   cairnfield_moc(${target})
   list(TRANSFORM ARG_LINKS PREPEND Cairnfield::)
+  list(TRANSFORM ARG_TYPES_FROM PREPEND Cairnfield.)
   target_link_libraries(${target} PUBLIC cairnfield_compile Qt6::Qml Qt6::Quick ${ARG_LINKS} ${ARG_LIBRARIES})
   # The registration that Qt generates includes headers by their bare name.
   target_include_directories(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
@@ -38,7 +40,7 @@ function(cairnfield_qml_module name)
     OUTPUT_DIRECTORY "${CAIRNFIELD_QML_DIRECTORY}/Cairnfield/${name}"
     IMPORT_PATH "${CAIRNFIELD_QML_DIRECTORY}"
     PLUGIN_TARGET ${target}plugin
-    DEPENDENCIES QtQuick
+    DEPENDENCIES QtQuick ${ARG_TYPES_FROM}
     QML_FILES ${ARG_SINGLETONS} ${ARG_QML}
     RESOURCES ${ARG_RESOURCES}
     ${CAIRNFIELD_QML_NO_CACHE})

@@ -19,12 +19,13 @@ buildPackages=(
 desktopPackages=(xvfb xauth xdotool imagemagick dbus dbus-daemon)
 
 testPackages=(
-    libgtest-dev libgmock-dev python3 python3-pyatspi python3-dbus python3-gi gh
+    libgtest-dev libgmock-dev python3 python3-pyatspi python3-dbus python3-gi gh xclip
     qml6-module-qttest at-spi2-core dunst "${desktopPackages[@]}"
 )
 benchPackages=(libgtest-dev libgmock-dev libbenchmark-dev python3)
 lintPackages=(clang-format-19 clang-tidy-19 libgtest-dev libgmock-dev python3)
 coveragePackages=(llvm-19)
+fuzzPackages=(llvm-19)  # names the functions of a crash
 
 # missingPackages NAME...: those that are not installed, one a line.
 missingPackages() {

@@ -5,6 +5,8 @@
 #include "Persistence/ApplicationSupport.h"
 #include "Shared/Paths/FilePath.h"
 
+#include <functional>
+
 namespace cairnfield {
 
 class Application;
@@ -22,6 +24,7 @@ class VolumeCapacityReading;
 class VolumeInformation;
 class WallClock;
 class Workspace;
+struct CleanupProgress;
 
 struct AppEnvironment {
     Executor& mainThread;
@@ -44,6 +47,9 @@ struct AppEnvironment {
     Workspace& workspace;
     ApplicationSupport support;
     FilePath home;  ///< the volume that holds it is the one that is watched
+    /// Told of what a cleanup reports, before the work that is reported begins and on the thread that does
+    /// it, so that a script can step in between. May be absent; must not throw.
+    std::function<void(const CleanupProgress&)> cleanupReported = {};
 };
 
 }  // namespace cairnfield

@@ -57,10 +57,13 @@ Task<std::optional<CleanupReceipt>> AppModel::execute(CleanupPlan plan) {
     const std::shared_ptr<CleanupServices::Crew> crew = cleanup_->crew();
     if (!crew) co_return std::nullopt;
     const UnderWay underWay(*cleanup_, state_.cleanupsUnderWay);
-    state_.activeCleanup.set(CleanupProgress{CleanupStage::preparing, std::nullopt});
+    const CleanupProgress preparing{CleanupStage::preparing, std::nullopt};
+    if (environment_.cleanupReported) environment_.cleanupReported(preparing);
+    state_.activeCleanup.set(preparing);
     const FilePath worktree = plan.worktree.id();
     CleanupReceipt receipt =
         co_await crew->coordinator.execute(std::move(plan), [this](CleanupProgress progress) {
+            if (environment_.cleanupReported) environment_.cleanupReported(progress);
             operations_.add(environment_.mainThread, show(std::move(progress)));
         });
     state_.lastReceipt.set(receipt);

@@ -6,8 +6,12 @@ Screens::Screens(AppModel& model, const TaskHandle<>& started, Machine& machine,
                  Application& application, const FilePath& home)
     : appearance(desktop.appearance),
       root(model, started),
-      worktrees(model, desktop.workspace, machine.wallClock),
+      cleanupReview(model, desktop.pasteboard),
+      worktrees(model, desktop.workspace, machine.wallClock, cleanupReview),
       watchedFolders(model, desktop.workspace, machine.wallClock, home),
+      savePanel(home),
+      recovery(model, desktop.workspace, savePanel, machine.wallClock),
+      history(model, desktop.workspace, desktop.pasteboard),
       preferences(model, machine.wallClock),
       menuBar(model, application) {}
 
@@ -15,8 +19,12 @@ QVariantMap Screens::windowContent() {
     return {{QStringLiteral("viewModel"), QVariant::fromValue(&root)},
             {QStringLiteral("appearance"), QVariant::fromValue(&appearance)},
             {QStringLiteral("worktrees"), QVariant::fromValue(&worktrees)},
+            {QStringLiteral("cleanupReview"), QVariant::fromValue(&cleanupReview)},
             {QStringLiteral("watchedFolders"), QVariant::fromValue(&watchedFolders)},
-            {QStringLiteral("preferences"), QVariant::fromValue(&preferences)}};
+            {QStringLiteral("recovery"), QVariant::fromValue(&recovery)},
+            {QStringLiteral("history"), QVariant::fromValue(&history)},
+            {QStringLiteral("preferences"), QVariant::fromValue(&preferences)},
+            {QStringLiteral("savePanel"), QVariant::fromValue(&savePanel)}};
 }
 
 QVariantMap Screens::panelContent() {

@@ -4,9 +4,13 @@
 
 #include "App/AppModel.h"
 #include "Features/Appearance/AppearanceViewModel.h"
+#include "Features/CleanupReview/CleanupReviewViewModel.h"
+#include "Features/History/HistoryViewModel.h"
 #include "Features/MenuBar/MenuBarViewModel.h"
 #include "Features/Preferences/PreferencesViewModel.h"
+#include "Features/RecoveryVault/RecoveryVaultViewModel.h"
 #include "Features/Root/RootViewModel.h"
+#include "Features/SavePanel/SheetSavePanel.h"
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 #include "Features/Worktrees/WorktreesViewModel.h"
 #include "Main/Desktop.h"
@@ -28,8 +32,12 @@ struct Screens {
 
     AppearanceViewModel appearance;
     RootViewModel root;
+    CleanupReviewViewModel cleanupReview;
     WorktreesViewModel worktrees;
     WatchedFoldersViewModel watchedFolders;
+    SheetSavePanel savePanel;
+    RecoveryVaultViewModel recovery;
+    HistoryViewModel history;
     PreferencesViewModel preferences;
     MenuBarViewModel menuBar;
 };

@@ -22,10 +22,15 @@
 #include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(Cairnfield_AppearancePlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_CleanupReviewPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_ComponentsPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_HistoryPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_ItemListsPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_MenuBarPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_PreferencesPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_RecoveryVaultPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_RootPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_SavePanelPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WatchedFoldersPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WorktreesPlugin)
 

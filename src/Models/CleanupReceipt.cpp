@@ -95,6 +95,10 @@ std::string_view title(CleanupOutcome outcome) {
     return {};
 }
 
+std::string_view symbolName(CleanupOutcome outcome) {
+    return outcome == CleanupOutcome::succeeded ? "checkmark.circle" : "exclamationmark.triangle";
+}
+
 std::optional<CleanupOutcome> cleanupOutcomeFromRawValue(std::string_view text) {
     using enum CleanupOutcome;
     for (const CleanupOutcome outcome : {succeeded, failed, cancelled, partiallyCompleted})

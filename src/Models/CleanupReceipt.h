@@ -68,6 +68,7 @@ enum class CleanupOutcome {
 
 [[nodiscard]] std::string_view rawValue(CleanupOutcome outcome);
 [[nodiscard]] std::string_view title(CleanupOutcome outcome);
+[[nodiscard]] std::string_view symbolName(CleanupOutcome outcome);
 [[nodiscard]] std::optional<CleanupOutcome> cleanupOutcomeFromRawValue(std::string_view text);
 
 struct CleanupReceipt {

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace cairnfield {
 
@@ -14,9 +15,10 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Opens the file manager with the item selected, or its folder where selecting is not to be had. Returns
-    /// why not.
-    virtual std::optional<std::string> reveal(const FilePath& item) = 0;
+    /// Opens the file manager with the items selected, or the folder that holds them all where selecting is
+    /// not to be had. Returns why not. Of no items there is nothing to show.
+    virtual std::optional<std::string> revealAll(const std::vector<FilePath>& items) = 0;
+    std::optional<std::string> reveal(const FilePath& item) { return revealAll({item}); }
 
     /// Opens a terminal in the directory. Returns why not.
     virtual std::optional<std::string> openTerminal(const FilePath& directory) = 0;

@@ -1,6 +1,7 @@
 #include "driver/Commands.h"
 
 #include "Services/Git/GitPorcelainParser.h"
+#include "driver/CleanupCommands.h"
 #include "driver/ModelCommands.h"
 #include "driver/Program.h"
 #include "driver/StorageCommands.h"
@@ -25,6 +26,21 @@ Command onModel(ModelWork work) {
     };
 }
 
+UUID takeIdentifier(Words& words) {
+    const std::string word = words.take("ID");
+    const std::optional<UUID> id = UUID::parse(word);
+    if (!id) throw WrongWords("not an identifier: " + word);
+    return *id;
+}
+
+/// The words that are left name one worktree.
+WorktreeWords worktreeWords(Words& words) {
+    WorktreeWords which;
+    which.roots = words.takePathsAfter("--root");
+    which.worktree = words.takePath("WORKTREE");
+    return which;
+}
+
 Command addCommand(Words words) {
     std::vector<FilePath> roots = words.takePaths("ROOT");
     return onModel([roots](AppModel& model, JsonLines& lines) { return addFolders(model, lines, roots); });
@@ -36,11 +52,9 @@ Command foldersCommand(const Words& words) {
 }
 
 Command removeCommand(Words words) {
-    const std::string word = words.take("ID");
+    const UUID id = takeIdentifier(words);
     words.end();
-    const std::optional<UUID> id = UUID::parse(word);
-    if (!id) throw WrongWords("not an identifier: " + word);
-    return onModel([id](AppModel& model, JsonLines& lines) { return removeFolder(model, lines, *id); });
+    return onModel([id](AppModel& model, JsonLines& lines) { return removeFolder(model, lines, id); });
 }
 
 Command scanCommand(Words words) {
@@ -82,6 +96,55 @@ Command monitorCommand(Words words) {
     };
 }
 
+Command preflightCommand(Words words) {
+    const WorktreeWords which = worktreeWords(words);
+    return onModel(
+        [which](AppModel& model, JsonLines& lines) { return preflightWorktree(model, lines, which); });
+}
+
+Command cleanCommand(Words words) {
+    CleanWords clean;
+    clean.message = words.takeValue("--message");
+    if (const std::optional<std::string> pause = words.takeValue("--pause")) {
+        clean.pause = cleanupStageFromRawValue(*pause);
+        if (!clean.pause) throw WrongWords("no stage is called " + *pause);
+    }
+    clean.noUntracked = words.takeOption("--no-untracked");
+    clean.noVault = words.takeOption("--no-vault");
+    clean.pullRequest = words.takeOption("--pull-request");
+    clean.which = worktreeWords(words);
+    return [clean](const Settle& settle, JsonLines& lines) {
+        ProgressLines progress(lines, clean.pause);
+        Program program(settle, lines,
+                        [&progress](const CleanupProgress& reported) { progress.tell(reported); });
+        program.run([&](AppModel& model) { return cleanWorktree(model, lines, clean, progress); });
+    };
+}
+
+Command receiptsCommand(const Words& words) {
+    words.end();
+    return onModel([](AppModel& model, JsonLines& lines) { return listReceipts(model, lines); });
+}
+
+Command vaultCommand(const Words& words) {
+    words.end();
+    return onModel([](AppModel& model, JsonLines& lines) { return listVault(model, lines); });
+}
+
+Command vaultRestoreCommand(Words words) {
+    const UUID id = takeIdentifier(words);
+    const FilePath destination = words.takePath("DEST");
+    return onModel([id, destination](AppModel& model, JsonLines& lines) {
+        return restoreFromVault(model, lines, id, destination);
+    });
+}
+
+Command vaultRemoveCommand(Words words) {
+    const UUID id = takeIdentifier(words);
+    words.end();
+    return onModel([id](AppModel& model, JsonLines& lines) { return removeFromVault(model, lines, id); });
+}
+
 Command integrationsCommand(const Words& words) {
     words.end();
     return onModel([](AppModel& model, JsonLines& lines) { return showIntegrations(model, lines); });
@@ -107,11 +170,21 @@ Command parseCommand(Words words) {
 }  // namespace
 
 Command commandFrom(Words words) {
-    static const std::map<std::string, Command (*)(Words)> commands{
-        {"add", addCommand},         {"folders", [](Words rest) { return foldersCommand(rest); }},
-        {"remove", removeCommand},   {"scan", scanCommand},
-        {"inspect", inspectCommand}, {"integrations", [](Words rest) { return integrationsCommand(rest); }},
-        {"parse", parseCommand},     {"storage", [](Words rest) { return storageCommand(rest); }},
+    static const std::map<std::string, std::function<Command(Words)>> commands{
+        {"add", addCommand},
+        {"folders", foldersCommand},
+        {"remove", removeCommand},
+        {"scan", scanCommand},
+        {"inspect", inspectCommand},
+        {"preflight", preflightCommand},
+        {"clean", cleanCommand},
+        {"receipts", receiptsCommand},
+        {"vault", vaultCommand},
+        {"vault-restore", vaultRestoreCommand},
+        {"vault-remove", vaultRemoveCommand},
+        {"integrations", integrationsCommand},
+        {"parse", parseCommand},
+        {"storage", storageCommand},
         {"monitor", monitorCommand},
     };
     const std::string name = words.take("a command");
@@ -127,6 +200,13 @@ std::string usage() {
            "  remove ID\n"
            "  scan PATH [--fresh]\n"
            "  inspect ROOT... [--pin PATH]... [--sizes] [--pull-requests]\n"
+           "  preflight WORKTREE --root ROOT...\n"
+           "  clean WORKTREE --root ROOT... [--no-untracked] [--no-vault] [--pull-request] [--message TEXT]\n"
+           "        [--pause STAGE]\n"
+           "  receipts\n"
+           "  vault\n"
+           "  vault-restore ID DEST\n"
+           "  vault-remove ID\n"
            "  integrations\n"
            "  storage\n"
            "  monitor ROOT... --seconds N\n"

@@ -31,4 +31,8 @@ void JsonLines::printPublishedError(std::string_view field, const std::string& d
     print("error", {{"case", field}, {"description", description}});
 }
 
+void JsonLines::printIfFailed(std::string_view field, const std::optional<std::string>& failure) {
+    if (failure) printPublishedError(field, *failure);
+}
+
 }  // namespace cairnfield

@@ -1,11 +1,13 @@
 #pragma once
 // What the driver tells: one JSON object a line on standard output, flushed at once. Every text is valid
-// UTF-8: paths stand as plain text, and bytes that are no text are repaired.
+// UTF-8: paths stand as plain text, and bytes that are no text are repaired. Lines may come from any thread
+// and stay whole.
 
 #include "Models/JSON.h"
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +25,7 @@ public:
     /// An error line for what the model published about a failure: `field` is the name of the published
     /// value.
     void printPublishedError(std::string_view field, const std::string& description);
+    void printIfFailed(std::string_view field, const std::optional<std::string>& failure);
 };
 
 }  // namespace cairnfield

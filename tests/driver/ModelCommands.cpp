@@ -1,5 +1,7 @@
 #include "driver/ModelCommands.h"
 
+#include "driver/Records.h"
+
 #include <chrono>
 #include <string>
 #include <utility>
@@ -10,55 +12,6 @@ namespace {
 
 Json foldersOf(const AppModel& model) {
     return Json(model.state().watchedFolders.get());
-}
-
-Json jsonOf(const Worktree& worktree) {
-    Json json(worktree);
-    json["id"] = worktree.id();
-    json["displayBranch"] = jsonFromText(worktree.displayBranch());
-    json["safety"] = rawValue(worktree.safety);
-    json["disposition"] = rawValue(disposition(worktree.safety));
-    return json;
-}
-
-Json jsonOf(const std::vector<Worktree>& worktrees) {
-    Json list = Json::array();
-    for (const Worktree& worktree : worktrees) list.push_back(jsonOf(worktree));
-    return list;
-}
-
-Json jsonOf(const ProjectUsage& project) {
-    Json json{{"id", project.id()},
-              {"repositoryRoot", project.repositoryRoot},
-              {"name", jsonFromText(project.name)},
-              {"worktrees", jsonOf(project.worktrees)},
-              {"totalBytes", project.totalBytes()},
-              {"worktreeCount", project.worktreeCount()},
-              {"linkedWorktreeCount", project.linkedWorktreeCount()},
-              {"needsAttentionCount", project.needsAttentionCount()},
-              {"reclaimableBytes", project.reclaimableBytes()},
-              {"isFullySized", project.isFullySized()}};
-    if (const std::optional<Date> last = project.lastActivity()) json["lastActivity"] = jsonFromDate(*last);
-    return json;
-}
-
-Json jsonOf(const GitHubIntegrationStatus& status) {
-    Json json{{"isInstalled", status.isInstalled}, {"authenticatedHosts", status.authenticatedHosts}};
-    if (status.version) json["version"] = *status.version;
-    if (status.executablePath) json["executablePath"] = *status.executablePath;
-    if (status.errorDescription) json["errorDescription"] = *status.errorDescription;
-    return json;
-}
-
-void printIfFailed(JsonLines& lines, std::string_view field, const std::optional<std::string>& failure) {
-    if (failure) lines.printPublishedError(field, *failure);
-}
-
-Task<> addEach(AppModel& model, JsonLines& lines, std::vector<FilePath> roots) {
-    for (const FilePath& root : roots) {
-        co_await model.addWatchedFolder(root);
-        printIfFailed(lines, "folderError", model.state().folderError.get());
-    }
 }
 
 /// A pin of a worktree that no list holds yet; the next refresh applies it.
@@ -72,8 +25,15 @@ Task<> pinEach(AppModel& model, std::vector<FilePath> paths) {
 
 }  // namespace
 
+Task<> addRoots(AppModel& model, JsonLines& lines, std::vector<FilePath> roots) {
+    for (const FilePath& root : roots) {
+        co_await model.addWatchedFolder(root);
+        lines.printIfFailed("folderError", model.state().folderError.get());
+    }
+}
+
 Task<> addFolders(AppModel& model, JsonLines& lines, std::vector<FilePath> roots) {
-    co_await addEach(model, lines, std::move(roots));
+    co_await addRoots(model, lines, std::move(roots));
     lines.print("result", {{"folders", foldersOf(model)}});
 }
 
@@ -86,7 +46,7 @@ Task<> removeFolder(AppModel& model, JsonLines& lines, UUID id) {
     WatchedFolder folder;
     folder.id = id;
     co_await model.removeWatchedFolder(std::move(folder));
-    printIfFailed(lines, "folderError", model.state().folderError.get());
+    lines.printIfFailed("folderError", model.state().folderError.get());
     lines.print("result", {{"folders", foldersOf(model)}});
 }
 
@@ -100,7 +60,7 @@ Task<> scanDirectory(AppModel& model, JsonLines& lines, FilePath path, bool fres
 }
 
 Task<> inspectWorktrees(AppModel& model, JsonLines& lines, InspectWords words) {
-    co_await addEach(model, lines, std::move(words.roots));
+    co_await addRoots(model, lines, std::move(words.roots));
     co_await pinEach(model, std::move(words.pins));
 
     const auto start = std::chrono::steady_clock::now();
@@ -109,7 +69,7 @@ Task<> inspectWorktrees(AppModel& model, JsonLines& lines, InspectWords words) {
     if (words.pullRequests) co_await model.refreshRemoteState();
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
 
-    printIfFailed(lines, "worktreeRefreshError", model.state().worktreeRefreshError.get());
+    lines.printIfFailed("worktreeRefreshError", model.state().worktreeRefreshError.get());
     Json projects = Json::array();
     for (const ProjectUsage& project : model.projects()) projects.push_back(jsonOf(project));
     lines.print("result", {{"worktrees", jsonOf(model.state().worktrees.get())},

@@ -9,6 +9,9 @@
 
 namespace cairnfield {
 
+/// Watches the folders too; a line for each that could not be added.
+Task<> addRoots(AppModel& model, JsonLines& lines, std::vector<FilePath> roots);
+
 Task<> addFolders(AppModel& model, JsonLines& lines, std::vector<FilePath> roots);
 Task<> listFolders(AppModel& model, JsonLines& lines);
 Task<> removeFolder(AppModel& model, JsonLines& lines, UUID id);

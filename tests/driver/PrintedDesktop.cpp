@@ -44,8 +44,8 @@ void PrintedNotificationCenter::onResponse(std::function<void(NotificationRespon
     observer_ = std::move(observer);
 }
 
-std::optional<std::string> PrintedWorkspace::reveal(const FilePath& item) {
-    lines_.print("revealed", {{"path", item}});
+std::optional<std::string> PrintedWorkspace::revealAll(const std::vector<FilePath>& items) {
+    for (const FilePath& item : items) lines_.print("revealed", {{"path", item}});
     return std::nullopt;
 }
 

@@ -43,12 +43,12 @@ private:
     JsonLines& lines_;
 };
 
-/// A "revealed" or "terminal" line.
+/// A "revealed" line for each item, or a "terminal" line.
 class PrintedWorkspace final : public Workspace {
 public:
     explicit PrintedWorkspace(JsonLines& lines) : lines_(lines) {}
 
-    std::optional<std::string> reveal(const FilePath& item) override;
+    std::optional<std::string> revealAll(const std::vector<FilePath>& items) override;
     std::optional<std::string> openTerminal(const FilePath& directory) override;
 
 private:

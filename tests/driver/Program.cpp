@@ -65,7 +65,9 @@ struct Program::Parts {
     SettingsStore settings{defaults};
 };
 
-Program::Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines) {
+Program::Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines,
+                 CleanupObserver cleanupObserver)
+    : cleanupObserver_(std::move(cleanupObserver)) {
     makeOwnEnvironmentSafe();
     std::signal(SIGPIPE, SIG_IGN);
     raiseDescriptorLimit();
@@ -108,7 +110,8 @@ void Program::run(const std::function<Task<>(AppModel&)>& work) {
                                                   .application = parts.application,
                                                   .workspace = parts.workspace,
                                                   .support = parts.support,
-                                                  .home = parts.directories.home});
+                                                  .home = parts.directories.home,
+                                                  .cleanupReported = cleanupObserver_});
     runToEnd(parts.loop, model.start());
     std::exception_ptr failure;
     try {

@@ -19,8 +19,12 @@ class Reactor;
 
 class Program {
 public:
+    /// What a cleanup reports, on the thread that does the work.
+    using CleanupObserver = std::function<void(const CleanupProgress&)>;
+
     /// `settle` gets the settings before anything reads them.
-    Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines);
+    Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines,
+            CleanupObserver cleanupObserver = {});
     ~Program();
 
     /// Starts the model, does the work, and stops it again, whatever the work throws.
@@ -32,6 +36,7 @@ public:
 
 private:
     struct Parts;
+    const CleanupObserver cleanupObserver_;
     std::unique_ptr<Parts> parts_;
 };
 

@@ -43,7 +43,13 @@ std::vector<Subscription> observeAll(const AppState& state, JsonLines& lines) {
     observe(state.worktreeRefreshError, "worktreeRefreshError");
     observe(state.sizingProgress, "sizingProgress");
     observe(state.gitStatusMessage, "gitStatusMessage");
+    observe(state.gitPath, "gitPath");
     observe(state.githubStatus, "githubStatus");
+    observe(state.receipts, "receipts");
+    observe(state.vaultEntries, "vaultEntries");
+    observe(state.activeCleanup, "activeCleanup");
+    observe(state.cleanupsUnderWay, "cleanupsUnderWay");
+    observe(state.lastReceipt, "lastReceipt");
     observe(state.notificationAuthorizationDenied, "notificationAuthorizationDenied");
     observe(state.lastNotificationError, "lastNotificationError");
     return subscriptions;

@@ -27,6 +27,29 @@ std::vector<std::string> Words::takeValues(std::string_view name) {
     }
 }
 
+std::optional<std::string> Words::takeValue(std::string_view name) {
+    std::vector<std::string> values = takeValues(name);
+    if (values.size() > 1) throw WrongWords("more than one " + std::string(name));
+    if (values.empty()) return std::nullopt;
+    return std::move(values.front());
+}
+
+std::vector<FilePath> Words::takePathsAfter(std::string_view name) {
+    std::vector<FilePath> paths;
+    for (;;) {
+        const auto end = std::ranges::find(words_, "--");
+        const auto found = std::find(words_.begin(), end, name);
+        if (found == end) break;
+        const auto next =
+            std::find_if(found + 1, end, [](const auto& word) { return word.starts_with("--"); });
+        if (next == found + 1) throw WrongWords(std::string(name) + " needs a value");
+        std::transform(found + 1, next, std::back_inserter(paths), absolutePath);
+        words_.erase(found, next);
+    }
+    if (paths.empty()) throw WrongWords("missing: " + std::string(name));
+    return paths;
+}
+
 std::string Words::take(std::string_view what) {
     if (words_.empty()) throw WrongWords("missing: " + std::string(what));
     std::string word = std::move(words_.front());

@@ -26,6 +26,11 @@ public:
     [[nodiscard]] bool takeOption(std::string_view name);
     /// The word after every appearance of this option; both are taken.
     [[nodiscard]] std::vector<std::string> takeValues(std::string_view name);
+    /// The word after this option, which stands at most once; both are taken.
+    [[nodiscard]] std::optional<std::string> takeValue(std::string_view name);
+    /// The words after every appearance of this option, up to the next word that begins with "--", as
+    /// absolute paths, at least one in all.
+    [[nodiscard]] std::vector<FilePath> takePathsAfter(std::string_view name);
     /// The next word, `what` it is in case there is none.
     [[nodiscard]] std::string take(std::string_view what);
     /// All that are left, at least one, as absolute paths. A word that begins with "--" is an option that

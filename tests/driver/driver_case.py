@@ -8,6 +8,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 from pathlib import Path
 
@@ -55,14 +56,41 @@ class DriverCase(unittest.TestCase):
             os.chmod(folder, 0o700)
         shutil.rmtree(self.home)
 
-    def drive(self, *words, status=0, stdin=b"", as_nobody=False):
-        command = [DRIVER, *words]
+    def drive(self, *words, status=0, stdin=b"", as_nobody=False, before=()):
+        """`before`: the words of a program that runs the driver."""
+        command = [*before, DRIVER, *words]
         if as_nobody and os.geteuid() == 0:
             command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", self.driver_for_nobody(), *words]
         done = subprocess.run(command, env=self.environment, cwd=self.home, input=stdin, capture_output=True, timeout=120)
         answer = Answer(done)
         self.assertEqual(answer.status, status, answer.log)
         return answer
+
+    def start(self, *words):
+        """The driver, running beside the test; it ends with it."""
+        process = subprocess.Popen([DRIVER, *words], env=self.environment, cwd=self.home, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(self.end, process)
+        return process
+
+    @staticmethod
+    def end(process):
+        process.kill()
+        process.communicate()
+
+    def wait_for(self, process, wanted):
+        """The lines up to the first that is wanted."""
+        seen = []
+        watchdog = threading.Timer(120, process.kill)
+        watchdog.start()
+        try:
+            for line in process.stdout:
+                seen.append(json.loads(line))
+                if wanted(seen[-1]):
+                    return seen
+        finally:
+            watchdog.cancel()
+        self.fail(f"the driver ended without it: {seen[-5:]}")
 
     def driver_for_nobody(self):
         """A copy in the home, since the build directory need not be open to others, and the home handed over."""
@@ -99,7 +127,7 @@ class DriverCase(unittest.TestCase):
     def settle(path):
         """As if nobody had touched it for days; a worktree touched just now counts as in use."""
         os.utime(path, (1_700_000_000, 1_700_000_000))
-        os.utime(path / ".git", (1_700_000_000, 1_700_000_000))
+        os.utime(os.path.join(path, ".git"), (1_700_000_000, 1_700_000_000))
 
     def verdicts(self, *words, **options):
         """The verdict of each worktree by its path."""

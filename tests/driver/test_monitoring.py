@@ -3,11 +3,9 @@
 
 import json
 import os
-import subprocess
-import threading
 import time
 
-from driver_case import DRIVER, DriverCase, main
+from driver_case import DriverCase, main
 
 HUGE = 1 << 60  # bytes; more than any volume of a test machine holds
 SCANNED = {"event": "changed", "field": "folderScanResults"}
@@ -45,34 +43,11 @@ class Storage(DriverCase):
 
 
 class Monitor(DriverCase):
-    def start(self, *words, seconds=30):
-        monitor = subprocess.Popen([DRIVER, *words, "monitor", str(self.root), "--seconds", str(seconds)],
-                                   env=self.environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, text=True)
-        self.addCleanup(self.end, monitor)
-        return monitor
-
-    @staticmethod
-    def end(monitor):
-        monitor.kill()
-        monitor.communicate()
-
-    def wait_for(self, monitor, wanted):
-        """The lines up to the first that is wanted."""
-        seen = []
-        watchdog = threading.Timer(120, monitor.kill)
-        watchdog.start()
-        try:
-            for line in monitor.stdout:
-                seen.append(json.loads(line))
-                if wanted(seen[-1]):
-                    return seen
-        finally:
-            watchdog.cancel()
-        self.fail(f"the monitoring ended without it: {seen[-5:]}")
+    def monitor(self, *words, seconds=30):
+        return self.start(*words, "monitor", str(self.root), "--seconds", str(seconds))
 
     def test_a_change_on_disk_leads_to_a_new_scan(self):
-        monitor = self.start("--set", "rescanIntervalMinutes=0", seconds=100)
+        monitor = self.monitor("--set", "rescanIntervalMinutes=0", seconds=100)
         self.wait_for(monitor, lambda line: line == SCANNED)
         time.sleep(1)  # the watch is set up beside the scan; what changes before it stands is the scan's to see
         (self.root / "sub").mkdir()
@@ -83,7 +58,7 @@ class Monitor(DriverCase):
         self.assertGreater(self.drive("folders").result["folders"][0]["lastKnownSizeBytes"], 200_000)
 
     def test_answers_reach_the_incident(self):
-        monitor = self.start()
+        monitor = self.monitor()
         self.wait_for(monitor, lambda line: line == SCANNED)
 
         def respond(words):

@@ -9,8 +9,8 @@ namespace cairnfield {
 
 class FakeWorkspace final : public Workspace {
 public:
-    std::optional<std::string> reveal(const FilePath& item) override {
-        revealed.push_back(item);
+    std::optional<std::string> revealAll(const std::vector<FilePath>& items) override {
+        revealed.insert(revealed.end(), items.begin(), items.end());
         return answer;
     }
     std::optional<std::string> openTerminal(const FilePath& directory) override {

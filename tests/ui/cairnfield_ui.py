@@ -42,7 +42,7 @@ def wait_for(condition, what, patience=PATIENCE):
             answer = condition()
             if answer:
                 return answer
-        except (GLib.Error, LookupError, RuntimeError) as error:
+        except (GLib.Error, LookupError, RuntimeError, ValueError) as error:
             problem = error
         if time.monotonic() > end:
             raise AssertionError(f"gave up waiting for {what}" + (f" ({problem})" if problem else ""))
@@ -161,6 +161,12 @@ class App:
             return (box.width, box.height) in ((width, height), (round(width * scale), round(height * scale)))
 
         self.wait(done, f"a window of {width} by {height}")
+
+    @staticmethod
+    def clipboard():
+        """What any program of the session would paste now."""
+        return subprocess.run(["xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"], capture_output=True,
+                              text=True, check=False, timeout=PATIENCE).stdout
 
     def focused(self):
         """What the keyboard speaks to: the innermost, since the views round it say so too."""

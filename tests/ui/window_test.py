@@ -7,7 +7,7 @@ from cairnfield_ui import UITestCase, main
 
 SECTIONS = ["Overview", "Worktrees", "Watched Folders", "Developer Files", "Recovery", "History", "Integrations",
             "Preferences"]
-PLACEHOLDERS = ["Overview", "Developer Files", "Recovery", "History", "Integrations"]
+PLACEHOLDERS = ["Overview", "Developer Files", "Integrations"]
 PLACEHOLDER_TEXT = "This screen comes with a later version of Cairnfield."
 
 

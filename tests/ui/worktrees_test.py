@@ -1,23 +1,14 @@
 """The worktree screen over real repositories: from a folder on disk to its worktrees with verdicts, by keyboard and by name."""
 
 import os
-import shutil
-import subprocess
 
-from cairnfield_ui import UITestCase, main
-
-
-def git(*arguments, at):
-    subprocess.run(["git", "-C", at, "-c", "user.name=Ada", "-c", "user.email=ada@example.org", *arguments], check=True,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+from cairnfield_ui import main
+from code_folder import CodeFolderTestCase
 
 
-class Worktrees(UITestCase):
+class Worktrees(CodeFolderTestCase):
     def setUp(self):
         super().setUp()
-        self.code = os.path.join(self.home, "code")
-        shutil.rmtree(self.code, ignore_errors=True)
-        shutil.rmtree(self.data(), ignore_errors=True)
         self.atlas = self.repository("atlas")
         self.worktree(self.atlas, "unsaved")
         with open(os.path.join(self.code, "atlas-unsaved", "new.txt"), "w", encoding="utf-8") as file:
@@ -25,30 +16,11 @@ class Worktrees(UITestCase):
         self.worktree(self.atlas, "Chart-Room")
         self.repository("zephyr")
 
-    def repository(self, name):
-        path = os.path.join(self.code, name)
-        os.makedirs(path)
-        git("init", "-b", "main", at=path)
-        git("commit", "--allow-empty", "-m", "first", at=path)
-        return path
-
-    def worktree(self, repository, branch):
-        git("worktree", "add", "-b", branch, repository + "-" + branch, at=repository)
-
     def start_with_folder(self):
         app = self.start()
-        app.key("ctrl+3")
-        app.press(app.find("Add folder", role="push button"))
-        app.wait(lambda: (app.focused() or app.frame).name == "Path of the folder", "the path field to have the keyboard")
-        app.type(self.code)
-        app.key("Return")
-        app.find("code", role="list item")
-        app.key("ctrl+2")
+        self.add_folder(app)
         app.find("Chart-Room", role="list item")
         return app
-
-    def rows(self, app):
-        return [row.name for row in app.find_all(role="list item", below=app.find("Worktrees", role="list"))]
 
     def headings(self, app):
         return [head.name for head in app.find_all(role="heading", below=app.find("Worktrees", role="list"))]
@@ -132,23 +104,6 @@ class Worktrees(UITestCase):
         app.press(app.find("main", role="list item"))
         app.find("This is the repository's main checkout. Cairnfield never removes it.")
         self.assertIsNone(app.find_now("Preserve & Clean…"))
-
-    def test_opens_the_review_and_closes_it_with_escape(self):
-        # Touched long ago, so that nothing counts as being in use.
-        for path, folders, files in os.walk(self.code):
-            for name in folders + files:
-                os.utime(os.path.join(path, name), (1_600_000_000, 1_600_000_000), follow_symlinks=False)
-            os.utime(path, (1_600_000_000, 1_600_000_000))
-        app = self.start_with_folder()
-        app.press(app.find("unsaved", role="list item"))
-        app.press(app.find("Preserve & Clean…", role="push button"))
-        app.find("Preserve & Clean", role="dialog")
-        app.key("Escape")
-        app.wait_gone("Preserve & Clean", role="dialog")
-        app.press(app.find("Preserve & Clean…", role="push button"))
-        app.find("Preserve & Clean", role="dialog")
-        app.key("Return")
-        app.wait_gone("Preserve & Clean", role="dialog")
 
     def test_scans_again_by_key(self):
         app = self.start_with_folder()

@@ -14,26 +14,12 @@ ScreenView {
     onIsLookedAtChanged: if (isLookedAt) viewModel.refresh()
     onFocusedChanged: area.show(focused)
 
-    Flickable {
+    ScrollArea {
         id: area
 
         anchors.fill: parent
-        contentWidth: width
+        margin: Theme.pageMargin
         contentHeight: page.implicitHeight + 2 * Theme.pageMargin
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-
-        function show(item: Item) {
-            for (let above = item; above !== page; above = above.parent)
-                if (!above)
-                    return;
-            const top = item.mapToItem(contentItem, 0, 0).y - Theme.pageMargin;
-            const bottom = top + item.height + 2 * Theme.pageMargin;
-            if (top < contentY)
-                contentY = Math.max(0, top);
-            else if (bottom > contentY + height)
-                contentY = Math.min(contentHeight, bottom) - height;
-        }
 
         ColumnLayout {
             id: page
@@ -62,8 +48,5 @@ ScreenView {
                 viewModel: view.viewModel
             }
         }
-    }
-    ThinScrollBar {
-        view: area
     }
 }

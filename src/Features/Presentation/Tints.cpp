@@ -32,4 +32,18 @@ std::string_view tintName(SafetyDisposition disposition) {
     return "secondary";
 }
 
+std::string_view tintName(CleanupOutcome outcome) {
+    switch (outcome) {
+        case CleanupOutcome::succeeded:
+            return "green";
+        case CleanupOutcome::failed:
+            return "red";
+        case CleanupOutcome::cancelled:
+            return "secondary";
+        case CleanupOutcome::partiallyCompleted:
+            return "orange";
+    }
+    return "secondary";
+}
+
 }  // namespace cairnfield

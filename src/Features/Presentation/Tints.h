@@ -2,6 +2,7 @@
 // The colour that each state goes with, as the name of a tint of the window's theme. Pure functions, any
 // thread.
 
+#include "Models/CleanupReceipt.h"
 #include "Models/Storage.h"
 #include "Models/WorktreeSafety.h"
 
@@ -11,5 +12,6 @@ namespace cairnfield {
 
 [[nodiscard]] std::string_view tintName(StorageLevel level);
 [[nodiscard]] std::string_view tintName(SafetyDisposition disposition);
+[[nodiscard]] std::string_view tintName(CleanupOutcome outcome);
 
 }  // namespace cairnfield

@@ -2,9 +2,13 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Cairnfield.Appearance
+import Cairnfield.CleanupReview
 import Cairnfield.Components
+import Cairnfield.History
 import Cairnfield.Preferences
+import Cairnfield.RecoveryVault
 import Cairnfield.Root
+import Cairnfield.SavePanel
 import Cairnfield.WatchedFolders
 import Cairnfield.Worktrees
 
@@ -15,8 +19,24 @@ ApplicationWindow {
     required property RootViewModel viewModel
     required property AppearanceViewModel appearance
     required property WorktreesViewModel worktrees
+    required property CleanupReviewViewModel cleanupReview
     required property WatchedFoldersViewModel watchedFolders
+    required property RecoveryVaultViewModel recovery
+    required property HistoryViewModel history
     required property PreferencesViewModel preferences
+    required property SheetSavePanel savePanel
+
+    // The window's own and not its content's: a sheet over the content must not keep anybody from leaving.
+    readonly property list<QtObject> ways: [
+        Shortcut {
+            sequence: "Ctrl+W"
+            onActivated: window.close()
+        },
+        Shortcut {
+            sequence: "Ctrl+Q"
+            onActivated: Qt.quit()
+        }
+    ]
 
     title: qsTr("Cairnfield")
     width: Theme.windowWidth
@@ -51,12 +71,19 @@ ApplicationWindow {
         anchors.fill: parent
         viewModel: window.viewModel
         worktrees: window.worktrees
+        cleanupReview: window.cleanupReview
         watchedFolders: window.watchedFolders
+        recovery: window.recovery
+        history: window.history
         preferences: window.preferences
     }
 
     QuitNotice {
         isShown: window.viewModel.quitsAfterCleanup
+    }
+
+    SavePanelSheet {
+        panel: window.savePanel
     }
 
     Instantiator {
@@ -79,13 +106,5 @@ ApplicationWindow {
     Shortcut {
         sequences: ["F5", "Ctrl+R"]
         onActivated: root.rescan()
-    }
-    Shortcut {
-        sequence: "Ctrl+W"
-        onActivated: window.close()
-    }
-    Shortcut {
-        sequence: "Ctrl+Q"
-        onActivated: Qt.quit()
     }
 }

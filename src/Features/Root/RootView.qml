@@ -1,7 +1,10 @@
 import QtQuick
 import QtQuick.Layouts
+import Cairnfield.CleanupReview
 import Cairnfield.Components
+import Cairnfield.History
 import Cairnfield.Preferences
+import Cairnfield.RecoveryVault
 import Cairnfield.Root
 import Cairnfield.WatchedFolders
 import Cairnfield.Worktrees
@@ -12,7 +15,10 @@ FocusScope {
 
     required property RootViewModel viewModel
     required property WorktreesViewModel worktrees
+    required property CleanupReviewViewModel cleanupReview
     required property WatchedFoldersViewModel watchedFolders
+    required property RecoveryVaultViewModel recovery
+    required property HistoryViewModel history
     required property PreferencesViewModel preferences
     readonly property ScreenView screen: loader.item as ScreenView
 
@@ -89,12 +95,20 @@ FocusScope {
                 return worktreesScreen;
             case "watchedFolders":
                 return watchedFoldersScreen;
+            case "recovery":
+                return recoveryScreen;
+            case "history":
+                return historyScreen;
             case "preferences":
                 return preferencesScreen;
             default:
                 return placeholder;
             }
         }
+    }
+    // Over whichever section is chosen meanwhile: nothing may hide a cleanup that runs.
+    CleanupReviewSheet {
+        viewModel: root.cleanupReview
     }
     Binding {
         target: root.screen?.toolbar ?? null
@@ -115,6 +129,20 @@ FocusScope {
 
         WatchedFoldersView {
             viewModel: root.watchedFolders
+        }
+    }
+    Component {
+        id: recoveryScreen
+
+        RecoveryVaultView {
+            viewModel: root.recovery
+        }
+    }
+    Component {
+        id: historyScreen
+
+        HistoryView {
+            viewModel: root.history
         }
     }
     Component {

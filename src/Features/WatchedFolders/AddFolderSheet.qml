@@ -27,11 +27,12 @@ Sheet {
         Layout.topMargin: Theme.spaceSmall
         spacing: Theme.spaceSmall
 
-        PathField {
+        TextEntry {
             id: path
 
             Layout.fillWidth: true
-            prompt: qsTr("Path of the folder")
+            title: qsTr("Path of the folder")
+            prompt: title
         }
         PlainButton {
             text: qsTr("Choose…")

@@ -1,13 +1,11 @@
 #pragma once
-// The words of one watched folder, and what a typed or chosen place means as a path. Pure functions over
-// plain values, without a toolkit; texts from outside leave here safe to look at.
+// The words of one watched folder. Pure functions over plain values, without a toolkit; texts from outside
+// leave here safe to look at.
 
 #include "Models/DirectoryScan.h"
 #include "Models/WatchedFolder.h"
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace cairnfield {
@@ -37,13 +35,5 @@ struct FolderRowText {
 /// `result` is what this run of the program found in the folder, if anything.
 [[nodiscard]] FolderRowText folderRowText(const WatchedFolder& folder, const DirectoryScanResult* result,
                                           Date now);
-
-/// A typed path: white space around it dropped, "~" at its start standing for the home. Absent unless it is
-/// then absolute.
-[[nodiscard]] std::optional<FilePath> pathFromTyped(std::string_view typed, const FilePath& home);
-
-/// The path of a file address, byte for byte: what is percent-encoded in it is decoded, valid UTF-8 or not.
-/// `encodedPath` is the address's path in its fully encoded form.
-[[nodiscard]] FilePath pathFromEncoded(std::string_view encodedPath);
 
 }  // namespace cairnfield

@@ -30,7 +30,7 @@ ListView {
 
     clip: true
     model: viewModel.rows
-    currentIndex: -1
+    currentIndex: -1  // 6.4 moves to what becomes current, wherever that stands already
     highlightFollowsCurrentItem: false
     keyNavigationEnabled: false
     boundsBehavior: Flickable.StopAtBounds
@@ -43,13 +43,6 @@ ListView {
     Accessible.focusable: true
     Keys.onPressed: event => readKey(event)
 
-    Connections {
-        target: list.viewModel
-
-        function onSelectionChanged() {
-            list.currentIndex = list.viewModel.selectedRow;
-        }
-    }
     ThinScrollBar {
         view: list
     }

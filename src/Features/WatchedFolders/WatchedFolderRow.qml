@@ -25,7 +25,7 @@ Item {
     Accessible.focused: selected && listHasFocus
     Accessible.onPressAction: row.chosen()
 
-    FolderCard {
+    SelectableCard {
         anchors.fill: parent
         selected: row.selected
         listHasFocus: row.listHasFocus

@@ -1,5 +1,6 @@
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 
+#include "Shared/Paths/TypedPath.h"
 #include "Shared/Text/Text.h"
 
 #include <algorithm>

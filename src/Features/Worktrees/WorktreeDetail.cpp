@@ -1,5 +1,6 @@
 #include "Features/Worktrees/WorktreeDetail.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 
 #include <QVariantMap>
@@ -7,18 +8,6 @@
 namespace cairnfield {
 
 namespace {
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QVariantList rows(const std::vector<LabelledText>& texts) {
-    QVariantList list;
-    for (const LabelledText& text : texts) {
-        list << QVariantMap{{"label", shown(text.label)}, {"value", shown(text.value)}};
-    }
-    return list;
-}
 
 bool isSameHeader(const WorktreeDetailText& a, const WorktreeDetailText& b) {
     return a.branch == b.branch && a.path == b.path && a.disposition == b.disposition &&
@@ -65,7 +54,7 @@ QVariantList WorktreeDetail::notes() const {
 }
 
 QVariantList WorktreeDetail::gitState() const {
-    return rows(text_.gitState);
+    return shownRows(text_.gitState);
 }
 QString WorktreeDetail::ignoredNotice() const {
     return shown(ignoredFilesNotice);
@@ -87,7 +76,7 @@ QString WorktreeDetail::remoteMessage() const {
     return shown(text_.remoteMessage);
 }
 QVariantList WorktreeDetail::remote() const {
-    return rows(text_.remote);
+    return shownRows(text_.remote);
 }
 QString WorktreeDetail::cleanupMessage() const {
     return shown(text_.cleanup.message.text);

@@ -15,7 +15,7 @@ std::vector<LabelledText> gitStateRows(const Worktree& worktree, SizeKnowledge k
     const GitStatusSummary& status = worktree.status;
     std::vector<LabelledText> rows;
     rows.push_back({"Branch", visibleText(worktree.displayBranch())});
-    if (worktree.headSHA) rows.push_back({"HEAD", visibleText(*worktree.headSHA)});
+    if (worktree.headSHA) rows.push_back({"HEAD", visibleText(*worktree.headSHA), true});
     rows.push_back({"Tracked changes", fmt::to_string(status.modifiedCount)});
     rows.push_back({"Staged", fmt::to_string(status.stagedCount)});
     rows.push_back({"Untracked files", fmt::to_string(status.untrackedCount)});

@@ -2,6 +2,7 @@
 // The words of the detail pane: everything that it says of one worktree, section by section, and whether it
 // offers to clean it. Pure functions over plain values; texts from outside leave here safe to look at.
 
+#include "Features/Presentation/ShownText.h"
 #include "Features/Worktrees/WorktreeTexts.h"
 
 #include <optional>
@@ -10,22 +11,6 @@
 #include <vector>
 
 namespace cairnfield {
-
-/// A label with its value.
-struct LabelledText {
-    std::string label;
-    std::string value;
-
-    friend bool operator==(const LabelledText&, const LabelledText&) = default;
-};
-
-/// A sentence with the symbol that stands before it.
-struct SymbolText {
-    std::string_view symbolName;
-    std::string text;
-
-    friend bool operator==(const SymbolText&, const SymbolText&) = default;
-};
 
 struct IgnoredEntryText {
     std::string name;

@@ -14,6 +14,11 @@ Rectangle {
         search.selectAll();
     }
 
+    function takeKeyboard() {
+        list.forceActiveFocus(Qt.OtherFocusReason);
+        list.showSelection();
+    }
+
     color: Theme.surface
 
     ColumnLayout {

@@ -36,54 +36,40 @@ ScreenView {
         action: () => view.viewModel.scan()
     }
 
-    Item {
+    ListDetailSplit {
         anchors.fill: parent
         visible: view.viewModel.showsList
-
-        WorktreeListPane {
+        list: WorktreeListPane {
             id: list
 
-            anchors.left: parent.left
-            anchors.top: parent.top
-            anchors.bottom: parent.bottom
-            width: divider.position
+            anchors.fill: parent
             viewModel: view.viewModel
         }
-        SplitDivider {
-            id: divider
 
-            anchors.top: parent.top
-            anchors.bottom: parent.bottom
-            total: view.width
+        WorktreeDetailView {
+            anchors.fill: parent
+            visible: worktree.isPresent
+            worktree: view.viewModel.detail
+            onPreserveAndClean: view.viewModel.preserveAndClean()
+            onReveal: view.viewModel.reveal()
+            onOpenTerminal: view.viewModel.openTerminal()
+            onTogglePin: view.viewModel.togglePin()
         }
-        Item {
-            anchors.left: divider.right
-            anchors.right: parent.right
-            anchors.top: parent.top
-            anchors.bottom: parent.bottom
-
-            WorktreeDetailView {
-                anchors.fill: parent
-                visible: worktree.isPresent
-                worktree: view.viewModel.detail
-                onPreserveAndClean: view.viewModel.preserveAndClean()
-                onReveal: view.viewModel.reveal()
-                onOpenTerminal: view.viewModel.openTerminal()
-                onTogglePin: view.viewModel.togglePin()
-            }
-            EmptyStateView {
-                anchors.fill: parent
-                visible: !view.viewModel.detail.isPresent
-                title: qsTr("Select a worktree")
-                message: qsTr("Cairnfield shows its Git state, what would be preserved, and what would be removed.")
-                symbolName: "sidebar.right"
-            }
+        EmptyStateView {
+            anchors.fill: parent
+            visible: !view.viewModel.detail.isPresent
+            title: qsTr("Select a worktree")
+            message: qsTr("Cairnfield shows its Git state, what would be preserved, and what would be removed.")
+            symbolName: "sidebar.right"
         }
     }
 
-    CleanupReviewSheet {
-        worktree: view.viewModel.cleanupDetail
-        visible: view.viewModel.isReviewing
-        onClosed: view.viewModel.endReview()
+    Connections {
+        target: view.viewModel
+
+        function onReviewEnded() {
+            if (view.viewModel.showsList)
+                list.takeKeyboard();
+        }
     }
 }

@@ -19,10 +19,13 @@ std::string bytes(const QString& text) {
 }  // namespace
 
 WorktreesViewModel::WorktreesViewModel(AppModel& model, Workspace& workspace, const WallClock& clock,
-                                       QObject* parent)
-    : QObject(parent), model_(model), workspace_(workspace), clock_(clock), rows_(clock) {
+                                       CleanupReviewViewModel& review, QObject* parent)
+    : QObject(parent), model_(model), workspace_(workspace), clock_(clock), review_(review), rows_(clock) {
     updateTimer_.setSingleShot(true);
     connect(&updateTimer_, &QTimer::timeout, this, &WorktreesViewModel::flush);
+    connect(&review_, &CleanupReviewViewModel::phaseChanged, this, [this] {
+        if (!review_.isOpen()) emit reviewEnded();
+    });
     const AppState& state = model_.state();
     const auto observer = [this] { scheduleFlush(); };
     subscriptions_.push_back(state.watchedFolders.observe(observer));
@@ -228,15 +231,7 @@ void WorktreesViewModel::togglePin() {
 void WorktreesViewModel::preserveAndClean() {
     const ListedWorktree* listed = selected();
     if (!listed || !cleanupSectionText(listed->worktree).isCleanupEnabled) return;
-    cleanupTarget_ = listed->worktree;
-    cleanupDetail_.show(detailText(listed->worktree, listed->sizeKnowledge, clock_.now()));
-    emit cleanupTargetChanged();
-}
-
-void WorktreesViewModel::endReview() {
-    if (!cleanupTarget_) return;
-    cleanupTarget_.reset();
-    emit cleanupTargetChanged();
+    review_.open(listed->worktree);
 }
 
 void WorktreesViewModel::refreshDates() {

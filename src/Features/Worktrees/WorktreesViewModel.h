@@ -5,6 +5,7 @@
 // thread only.
 
 #include "App/AppModel.h"
+#include "Features/CleanupReview/CleanupReviewViewModel.h"
 #include "Features/Lists/TypeAhead.h"
 #include "Features/Worktrees/WorktreeDetail.h"
 #include "Features/Worktrees/WorktreeListModel.h"
@@ -43,13 +44,11 @@ class WorktreesViewModel final : public QObject {
     Q_PROPERTY(cairnfield::WorktreeListModel* rows READ rows CONSTANT)
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectionChanged)
     Q_PROPERTY(cairnfield::WorktreeDetail* detail READ detail CONSTANT)
-    Q_PROPERTY(bool isReviewing READ isReviewing NOTIFY cleanupTargetChanged)
-    Q_PROPERTY(cairnfield::WorktreeDetail* cleanupDetail READ cleanupDetail CONSTANT)
 
 public:
-    /// All three outlive the view model.
+    /// All four outlive the view model.
     WorktreesViewModel(AppModel& model, Workspace& workspace, const WallClock& clock,
-                       QObject* parent = nullptr);
+                       CleanupReviewViewModel& review, QObject* parent = nullptr);
 
     [[nodiscard]] bool showsList() const { return screen_.showsList; }
     [[nodiscard]] QString emptyTitle() const { return screen_.emptyTitle; }
@@ -78,9 +77,8 @@ public:
     /// -1 with no selection or while the filter hides it.
     [[nodiscard]] int selectedRow() const { return selectedRow_; }
     [[nodiscard]] WorktreeDetail* detail() { return &detail_; }
-    [[nodiscard]] const std::optional<Worktree>& cleanupTarget() const { return cleanupTarget_; }
-    [[nodiscard]] bool isReviewing() const { return cleanupTarget_.has_value(); }
-    [[nodiscard]] WorktreeDetail* cleanupDetail() { return &cleanupDetail_; }
+    /// The worktree under review, as it was when the review began.
+    [[nodiscard]] const std::optional<Worktree>& cleanupTarget() const { return review_.worktree(); }
 
     Q_INVOKABLE void scan();
     Q_INVOKABLE void checkPullRequests();
@@ -96,7 +94,6 @@ public:
     Q_INVOKABLE void openTerminal();
     Q_INVOKABLE void togglePin();
     Q_INVOKABLE void preserveAndClean();
-    Q_INVOKABLE void endReview();
     /// The texts that tell time are worded anew: call it when the screen comes into view.
     Q_INVOKABLE void refreshDates();
 
@@ -107,7 +104,7 @@ signals:
     void screenChanged();
     void queryChanged();
     void selectionChanged();
-    void cleanupTargetChanged();
+    void reviewEnded();
 
 private:
     struct Screen {
@@ -131,15 +128,14 @@ private:
     AppModel& model_;
     Workspace& workspace_;
     const WallClock& clock_;
+    CleanupReviewViewModel& review_;
     QString searchText_;
     WorktreeListModel rows_;
     WorktreeDetail detail_;
-    WorktreeDetail cleanupDetail_;
     Screen screen_;
     QString actionError_;
     std::optional<FilePath> selection_;
     int selectedRow_ = -1;
-    std::optional<Worktree> cleanupTarget_;
     TypeAhead typeAhead_;
     QTimer updateTimer_;
     std::chrono::steady_clock::time_point lastUpdate_{};

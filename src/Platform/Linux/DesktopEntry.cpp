@@ -67,11 +67,11 @@ DesktopEntry::DesktopEntry(std::string_view text) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
-        isInGroup |= isHeader(line);
+        const bool isText = isValidUTF8(line) && line.find('\0') == std::string_view::npos;
+        if (isHeader(line)) isInGroup = isText;  // a group goes with its header, or it would join another
         const bool isFree = withoutBlanks(line).empty() || line.starts_with('#') || isHeader(line);
         const bool isPossible = isFree || (isInGroup && !keyOf(line).empty());
-        if (isPossible && isValidUTF8(line) && line.find('\0') == std::string_view::npos)
-            lines_.emplace_back(line);
+        if (isPossible && isText) lines_.emplace_back(line);
     }
 }
 

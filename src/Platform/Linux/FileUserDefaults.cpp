@@ -19,8 +19,16 @@ using Json = nlohmann::json;
 
 constexpr const char* dataKey = "data";
 
+/// What is kept without being understood is written again, each level indented further: a small file could
+/// ask for any number of bytes, and for any depth of calls.
+bool isShallow(int depth, Json::parse_event_t, const Json&) {
+    constexpr int deepest = 32;
+    if (depth > deepest) throw std::runtime_error("expected settings, found values too deep in others");
+    return true;
+}
+
 Json parsedObject(const std::string& bytes) {
-    Json parsed = Json::parse(bytes);
+    Json parsed = Json::parse(bytes, isShallow);
     if (!parsed.is_object()) throw std::runtime_error("expected an object of settings");
     return parsed;
 }

@@ -1,11 +1,14 @@
 #include "Services/Cleanup/ByteCursor.h"
 
+#include <algorithm>
+
 namespace cairnfield {
 
 namespace {
 
-/// More bits than an index has entries is not a bitmap of positions in one.
-constexpr std::size_t mostBits = std::size_t(1) << 28U;
+/// More bits than an index has entries is not a bitmap of positions in one. A few bytes can set them all, at
+/// eight bytes of memory for each.
+constexpr std::size_t mostBits = std::size_t(1) << 24U;
 constexpr std::size_t wordBits = 64;
 
 }  // namespace
@@ -55,9 +58,6 @@ std::vector<std::size_t> ByteCursor::bitmap() {
     std::size_t words = number32();
     if (bits > mostBits || words > remaining() / 8) isGood_ = false;
     std::size_t position = 0;
-    const auto add = [&](std::size_t bit) {
-        if (bit < bits) set.push_back(bit);
-    };
     while (isGood_ && words > 0) {
         const std::uint64_t marker = number(8);
         --words;
@@ -68,12 +68,13 @@ std::vector<std::size_t> ByteCursor::bitmap() {
             isGood_ = false;
             break;
         }
-        for (std::size_t i = 0; runBit && i < run * wordBits; ++i) add(position + i);
+        const std::size_t runEnd = std::min(position + run * wordBits, bits);
+        for (std::size_t bit = position; runBit && bit < runEnd; ++bit) set.push_back(bit);
         position += run * wordBits;
         for (std::size_t i = 0; i < literals; ++i, position += wordBits) {
             const std::uint64_t word = number(8);
             for (std::size_t bit = 0; bit < wordBits; ++bit) {
-                if ((word >> bit & 1U) != 0) add(position + bit);
+                if ((word >> bit & 1U) != 0 && position + bit < bits) set.push_back(position + bit);
             }
         }
         words -= literals;

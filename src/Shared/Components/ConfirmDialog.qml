@@ -25,8 +25,8 @@ T.Dialog {
     onOpened: (destructive ? cancelButton : confirmButton).forceActiveFocus(Qt.TabFocusReason)
 
     function confirm() {
-        close();
         confirmed();
+        close();
     }
 
     T.Overlay.modal: Rectangle {

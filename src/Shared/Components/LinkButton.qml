@@ -5,6 +5,8 @@ import QtQuick.Templates as T
 T.Button {
     id: control
 
+    property color ink: Theme.accent
+
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     font: Theme.captionFont
@@ -20,7 +22,7 @@ T.Button {
         font.family: control.font.family
         font.pointSize: control.font.pointSize
         font.underline: control.hovered || control.visualFocus
-        color: Theme.accent
+        color: control.ink
     }
     background: Item {
         FocusRing {

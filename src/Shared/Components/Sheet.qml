@@ -3,16 +3,23 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 
 // A sheet over the window: a title, its content, which scrolls when there is too little room, and a footer that is always in
-// view. Escape closes it while `canClose`; Enter is `accepted` unless a control takes it.
+// view. Escape closes it while `canClose`; Enter is `accepted` unless a control takes it; the arrow and page keys scroll.
 T.Popup {
     id: sheet
 
     required property string title
+    property string subtitle
     property bool canClose: true
     default property alias content: body.data
     property alias footer: buttons.data
 
     signal accepted
+
+    // From the top again, with the keyboard before the first control.
+    function beginAgain() {
+        area.contentY = 0;
+        beginning.forceActiveFocus(Qt.OtherFocusReason);
+    }
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -36,48 +43,117 @@ T.Popup {
     }
 
     FocusScope {
+        id: scope
+
+        readonly property Item focused: Window.activeFocusItem
+
+        function accept(event: var) {
+            if (!event.isAutoRepeat)
+                sheet.accepted();
+        }
+
         anchors.fill: parent
         focus: true
+        onFocusedChanged: area.show(focused)
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
-        Keys.onReturnPressed: sheet.accepted()
-        Keys.onEnterPressed: sheet.accepted()
+        Accessible.description: sheet.subtitle
+        // A key that is held down opened the sheet or moved it on: it does not answer what comes up next.
+        Keys.onReturnPressed: event => scope.accept(event)
+        Keys.onEnterPressed: event => scope.accept(event)
+        Keys.onPressed: event => {
+            switch (event.key) {
+            case Qt.Key_Up: area.scroll(-2 * Theme.controlHeight); break;
+            case Qt.Key_Down: area.scroll(2 * Theme.controlHeight); break;
+            case Qt.Key_PageUp: area.scroll(-0.9 * area.height); break;
+            case Qt.Key_PageDown: area.scroll(0.9 * area.height); break;
+            case Qt.Key_Home: area.scroll(-area.contentHeight); break;
+            case Qt.Key_End: area.scroll(area.contentHeight); break;
+            default: return;
+            }
+            event.accepted = true;
+        }
 
-        InfoText {
+        Item {
+            id: beginning
+
+            focus: true
+        }
+        ColumnLayout {
             id: heading
 
             width: parent.width
-            text: sheet.title
-            font: Theme.headlineFont
-            Accessible.role: Accessible.Heading
+            spacing: Theme.spaceHair
+
+            InfoText {
+                Layout.fillWidth: true
+                text: sheet.title
+                font: Theme.headlineFont
+                Accessible.role: Accessible.Heading
+            }
+            InfoText {
+                id: line
+
+                Layout.fillWidth: true
+                text: sheet.subtitle
+                color: Theme.textSecondary
+                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                visible: text !== ""
+
+                HoverHandler {
+                    id: pointer
+                }
+                Tip {
+                    text: sheet.subtitle
+                    shown: pointer.hovered && line.truncated
+                }
+            }
         }
-        Flickable {
+        ScrollArea {
             id: area
 
             anchors.top: heading.bottom
             anchors.bottom: buttons.top
             anchors.topMargin: Theme.spaceLarge
             anchors.bottomMargin: Theme.spaceLarge
-            width: parent.width
+            // The bar stands beside the content.
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.spaceMedium - Theme.pageMargin
             contentHeight: body.implicitHeight
-            boundsBehavior: Flickable.StopAtBounds
-            clip: contentHeight > height
 
             ColumnLayout {
                 id: body
 
-                width: area.width
+                width: scope.width
                 spacing: Theme.spaceSmall
             }
-            ThinScrollBar {
-                view: area
-            }
+        }
+        // There is more above, and there is more below.
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: area.top
+            height: Theme.hairline
+            color: Theme.border
+            visible: !area.atYBeginning
+        }
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: area.bottom
+            height: Theme.hairline
+            color: Theme.border
+            visible: !area.atYEnd
         }
         RowLayout {
             id: buttons
 
             anchors.right: parent.right
             anchors.bottom: parent.bottom
+            width: Math.min(implicitWidth, parent.width)
             spacing: Theme.spaceSmall
         }
     }

@@ -101,6 +101,7 @@ QtObject {
     // Motion, in milliseconds.
     readonly property int duration: reducedMotion ? 0 : 150
     readonly property int tipDelay: 600
+    readonly property int turnDuration: reducedMotion ? 0 : 3000
 
     // The colour of a tint by its name, as view models give it.
     function tint(name: string): color {

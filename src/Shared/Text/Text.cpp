@@ -134,6 +134,21 @@ std::string visibleText(std::string_view bytes) {
     return text;
 }
 
+std::string visibleLines(std::string_view bytes) {
+    while (bytes.starts_with('\n') || bytes.starts_with("\r\n")) bytes.remove_prefix(bytes.find('\n') + 1);
+    while (bytes.ends_with('\n') || bytes.ends_with('\r')) bytes.remove_suffix(1);
+    std::string text;
+    while (true) {
+        const std::size_t end = bytes.find('\n');
+        std::string_view line = bytes.substr(0, end);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        text += visibleText(line);
+        if (end == std::string_view::npos) return text;
+        text += '\n';
+        bytes.remove_prefix(end + 1);
+    }
+}
+
 std::vector<std::string_view> splitDroppingEmpty(std::string_view text, char separator) {
     std::vector<std::string_view> pieces;
     while (!text.empty()) {

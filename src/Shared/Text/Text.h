@@ -26,6 +26,10 @@ namespace cairnfield {
 /// U+FFFD for the rest). One line.
 [[nodiscard]] std::string visibleText(std::string_view bytes);
 
+/// The same line by line, for messages of several lines: newlines stay, a carriage return before one and
+/// empty lines at either end go.
+[[nodiscard]] std::string visibleLines(std::string_view bytes);
+
 /// Pieces between single separators. Empty pieces are dropped, as the name says.
 [[nodiscard]] std::vector<std::string_view> splitDroppingEmpty(std::string_view text, char separator);
 

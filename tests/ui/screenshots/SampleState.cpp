@@ -53,6 +53,7 @@ Worktree unfinished() {
                                3'420 * megabyte, minutes(12));
     worktree.source = WorktreeSource::claude;
     worktree.status = {.stagedCount = 2, .modifiedCount = 7, .untrackedCount = 3};
+    worktree.tracking.upstreamBranch = "origin/tariff-tables";
     worktree.tracking.ahead = 3;
     worktree.ignoredEntries = {
         {.name = "node_modules",

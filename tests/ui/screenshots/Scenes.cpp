@@ -144,11 +144,6 @@ std::vector<Scene> scenes() {
         {"worktrees-5000", list(manyWorktrees(5000), [](Stage& stage) { stage.worktrees.select(3); })},
         {"worktrees-odd-names", list(oddWorktrees(), [](Stage& stage) { stage.worktrees.select(2); })},
         {"worktrees-smallest", list(sampleWorktrees(), selecting("harbour-map")), smallest},
-        {"worktrees-review", list(sampleWorktrees(),
-                                  [](Stage& stage) {
-                                      selecting("tariff-tables")(stage);
-                                      stage.worktrees.preserveAndClean();
-                                  })},
         {"worktrees-low-space", list(sampleWorktrees(),
                                      [](Stage& stage) {
                                          stage.state.storage.set(

@@ -2,8 +2,11 @@
 // What is to be seen on the pictures: a name, a size, and how the screen gets there.
 
 #include "App/AppState.h"
+#include "Features/History/HistoryViewModel.h"
 #include "Features/Preferences/PreferencesViewModel.h"
+#include "Features/RecoveryVault/RecoveryVaultViewModel.h"
 #include "Features/Root/RootViewModel.h"
+#include "Features/SavePanel/SheetSavePanel.h"
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 #include "Features/Worktrees/WorktreesViewModel.h"
 
@@ -20,8 +23,12 @@ struct Stage {
     AppState& state;
     RootViewModel& root;
     WorktreesViewModel& worktrees;
+    CleanupReviewViewModel& review;
     WatchedFoldersViewModel& folders;
     PreferencesViewModel& preferences;
+    HistoryViewModel& history;
+    RecoveryVaultViewModel& recovery;
+    SheetSavePanel& savePanel;
 };
 
 enum class Surface { window, panel };

@@ -8,7 +8,10 @@
 #include "Features/MenuBar/MenuBarViewModel.h"
 #include "support/App/AppHarness.h"
 #include "support/AppModelStaging.h"
+#include "support/FakePasteboard.h"
 #include "support/FakeWorkspace.h"
+#include "ui/screenshots/RecordScenes.h"
+#include "ui/screenshots/ReviewScenes.h"
 #include "ui/screenshots/SampleState.h"
 #include "ui/screenshots/Scenes.h"
 
@@ -26,10 +29,15 @@
 #include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(Cairnfield_AppearancePlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_CleanupReviewPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_ComponentsPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_HistoryPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_ItemListsPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_MenuBarPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_PreferencesPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_RecoveryVaultPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_RootPlugin)
+Q_IMPORT_QML_PLUGIN(Cairnfield_SavePanelPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WatchedFoldersPlugin)
 Q_IMPORT_QML_PLUGIN(Cairnfield_WorktreesPlugin)
 
@@ -65,9 +73,14 @@ bool draw(const Scene& scene, bool isDark, const QString& file) {
     StagedAppearance look(isDark);
     AppearanceViewModel appearance(look);
     RootViewModel root(*app.model, spawn(app.loop, nothing()));
-    WorktreesViewModel worktrees(*app.model, workspace, app.wallClock);
+    FakePasteboard pasteboard;
+    CleanupReviewViewModel review(*app.model, pasteboard);
+    WorktreesViewModel worktrees(*app.model, workspace, app.wallClock, review);
     WatchedFoldersViewModel folders(*app.model, workspace, app.wallClock, FilePath("/home/ada"));
     PreferencesViewModel preferences(*app.model, app.wallClock);
+    HistoryViewModel history(*app.model, workspace, pasteboard);
+    SheetSavePanel savePanel(FilePath("/home/ada"));
+    RecoveryVaultViewModel recovery(*app.model, workspace, savePanel, app.wallClock);
 
     MenuBarViewModel menuBar(*app.model, app.application);
 
@@ -75,11 +88,12 @@ bool draw(const Scene& scene, bool isDark, const QString& file) {
     const QVariantMap panelContent{{"viewModel", QVariant::fromValue(&menuBar)},
                                    {"appearance", QVariant::fromValue(&appearance)},
                                    {"hasRoundCorners", false}};
-    const QVariantMap windowContent{{"viewModel", QVariant::fromValue(&root)},
-                                    {"appearance", QVariant::fromValue(&appearance)},
-                                    {"worktrees", QVariant::fromValue(&worktrees)},
-                                    {"watchedFolders", QVariant::fromValue(&folders)},
-                                    {"preferences", QVariant::fromValue(&preferences)}};
+    const QVariantMap windowContent{
+        {"viewModel", QVariant::fromValue(&root)},         {"appearance", QVariant::fromValue(&appearance)},
+        {"worktrees", QVariant::fromValue(&worktrees)},    {"cleanupReview", QVariant::fromValue(&review)},
+        {"watchedFolders", QVariant::fromValue(&folders)}, {"recovery", QVariant::fromValue(&recovery)},
+        {"history", QVariant::fromValue(&history)},        {"preferences", QVariant::fromValue(&preferences)},
+        {"savePanel", QVariant::fromValue(&savePanel)}};
     QQmlApplicationEngine engine;
     engine.addImportPath("qrc:/qt/qml");
     engine.setInitialProperties(isPanel ? panelContent : windowContent);
@@ -91,7 +105,15 @@ bool draw(const Scene& scene, bool isDark, const QString& file) {
     if (!isPanel) window->resize(scene.size);
     window->show();
     QCoreApplication::processEvents();
-    Stage stage{AppModelStaging::state(*app.model), root, worktrees, folders, preferences};
+    Stage stage{AppModelStaging::state(*app.model),
+                root,
+                worktrees,
+                review,
+                folders,
+                preferences,
+                history,
+                recovery,
+                savePanel};
     scene.set(stage);
     // Layouts settle over a few turns; the picture itself is drawn by the call that takes it.
     for (int turn = 0; turn < 20; ++turn) QCoreApplication::processEvents();
@@ -122,7 +144,10 @@ int drawAll(int argc, char** argv, int scale) {
     const bool isSample = names.removeAll("--sample") > 0;
     if (!folder.mkpath(".")) return EXIT_FAILURE;
     std::size_t number = 0;
-    for (const Scene& scene : scenes()) {
+    std::vector<Scene> all = scenes();
+    for (Scene& scene : reviewScenes()) all.push_back(std::move(scene));
+    for (Scene& scene : recordScenes()) all.push_back(std::move(scene));
+    for (const Scene& scene : all) {
         ++number;
         if (!wanted(scene, names)) continue;
         for (const bool isDark : {false, true}) {

@@ -108,6 +108,13 @@ TEST(CleanupOutcome, HasItsTitlesAndComesBackFromItsRawValue) {
     EXPECT_EQ(cleanupOutcomeFromRawValue("Cleaned"), std::nullopt);
 }
 
+TEST(CleanupOutcome, MarksEverythingButSuccess) {
+    using enum CleanupOutcome;
+    EXPECT_EQ(symbolName(succeeded), "checkmark.circle");
+    for (const CleanupOutcome outcome : {failed, cancelled, partiallyCompleted})
+        EXPECT_EQ(symbolName(outcome), "exclamationmark.triangle");
+}
+
 TEST(CleanupReceipt, GoesThroughJSONUnchanged) {
     for (const CleanupReceipt& receipt : {minimal(), complete()}) EXPECT_EQ(read(receipt), receipt);
 }

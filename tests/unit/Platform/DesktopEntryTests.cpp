@@ -72,6 +72,17 @@ TEST(DesktopEntry, LeavesOutWhatNoEntryMayHold) {
     EXPECT_EQ(entry.text(), "[Desktop Entry]\nIcon=i\n");
 }
 
+TEST(DesktopEntry, LeavesOutAGroupWithItsHeader) {
+    const std::string_view nul("[B\0]\n", 5);
+    for (const std::string& header : {std::string("[B\xFF]\n"), std::string(nul)}) {
+        const DesktopEntry after("[Desktop Entry]\nExec=mine\n" + header + "Exec=other\n");
+        EXPECT_EQ(after.value("Exec"), "mine");
+        EXPECT_EQ(after.text(), "[Desktop Entry]\nExec=mine\n");
+        const DesktopEntry before(header + "Exec=other\n[Desktop Entry]\nExec=mine\n");
+        EXPECT_EQ(before.text(), "[Desktop Entry]\nExec=mine\n");
+    }
+}
+
 TEST(ExecLine, QuotesTheProgram) {
     EXPECT_EQ(execLine(FilePath("/usr/bin/cairnfield"), "--at-login"), "\"/usr/bin/cairnfield\" --at-login");
     EXPECT_EQ(execLine(FilePath("/opt/my apps/c"), "--at-login"), "\"/opt/my apps/c\" --at-login");

@@ -114,6 +114,23 @@ TEST(FileUserDefaults, LosesAGarbledFileOnlyAtTheNextWrite) {
     }
 }
 
+TEST(FileUserDefaults, TakesAFileThatIsNestedWithoutEndForNone) {
+    const TemporaryDirectory home;
+    const std::string odd = R"("odd": [[{"a": [1]}]])";
+    const FilePath file = home.write("settings.json", R"({"text": "kept", )" + odd + "}");
+    EXPECT_EQ(FileUserDefaults(file).value("text"), wrote(std::string("kept")));
+
+    constexpr std::size_t levels = 2000;  // of which each would be written on a line of its own, indented
+    const std::string deep = std::string(levels, '[') + std::string(levels, ']');
+    (void)home.write("settings.json", R"({"text": "lost", "odd": )" + deep + "}");
+    CaptureStderr();
+    FileUserDefaults defaults(file);
+    EXPECT_THAT(GetCapturedStderr(), HasSubstr("Failed to decode settings.json"));
+    EXPECT_EQ(defaults.value("text"), std::nullopt);
+    defaults.set("bool", true);
+    EXPECT_EQ(contentOf(file), "{\n  \"bool\": true\n}\n");
+}
+
 TEST(FileUserDefaults, StartsEmptyWithoutALogLine) {
     const TemporaryDirectory home;
     CaptureStderr();

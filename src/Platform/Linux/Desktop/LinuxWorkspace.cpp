@@ -3,6 +3,7 @@
 #include "Platform/Linux/Desktop/DetachedProgram.h"
 #include "Platform/Linux/Desktop/FileURI.h"
 #include "Shared/Logging/Log.h"
+#include "Shared/Paths/PathContainment.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -36,6 +37,16 @@ const std::vector<std::string> terminals{"xdg-terminal-exec",
                                          "wezterm",
                                          "xterm"};
 
+/// The deepest folder that all of them lie in.
+FilePath folderOfAll(const std::vector<FilePath>& items) {
+    FilePath folder = items.front().standardized().parent();
+    for (const FilePath& item : items) {
+        while (!isAtOrBelow(item.standardized(), folder) && folder.parent() != folder)
+            folder = folder.parent();
+    }
+    return folder;
+}
+
 std::optional<std::string> started(const FilePath& program, const std::vector<std::string>& arguments,
                                    const std::optional<FilePath>& workingDirectory) {
     try {
@@ -55,12 +66,13 @@ std::vector<FilePath> LinuxWorkspace::standardPlaces() {
 LinuxWorkspace::LinuxWorkspace(const QDBusConnection& bus, std::vector<FilePath> places)
     : bus_(bus), places_(std::move(places)) {}
 
-std::optional<std::string> LinuxWorkspace::reveal(const FilePath& item) {
+std::optional<std::string> LinuxWorkspace::revealAll(const std::vector<FilePath>& items) {
+    if (items.empty()) return std::nullopt;
     if (hasFileManagerOnBus()) {
-        askFileManager(item);
+        askFileManager(items);
         return std::nullopt;
     }
-    return openFolder(item.parent());
+    return openFolder(folderOfAll(items));
 }
 
 bool LinuxWorkspace::hasFileManagerOnBus() const {
@@ -70,18 +82,20 @@ bool LinuxWorkspace::hasFileManagerOnBus() const {
            daemon->activatableServiceNames().value().contains(fileManager);
 }
 
-void LinuxWorkspace::askFileManager(const FilePath& item) {
+void LinuxWorkspace::askFileManager(const std::vector<FilePath>& items) {
+    QStringList addresses;
+    for (const FilePath& item : items) addresses << QString::fromStdString(fileURI(item));
     QDBusMessage question =
         QDBusMessage::createMethodCall(fileManager, QStringLiteral("/org/freedesktop/FileManager1"),
                                        fileManager, QStringLiteral("ShowItems"));
-    question << QStringList{QString::fromStdString(fileURI(item))} << QString();
+    question << addresses << QString();
     auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, item](QDBusPendingCallWatcher* finished) {
+            [this, folder = folderOfAll(items)](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
                 const QDBusPendingReply<> reply = *finished;
                 if (!reply.isError()) return;
-                if (const auto problem = openFolder(item.parent())) Log::app().error("{}", *problem);
+                if (const auto problem = openFolder(folder)) Log::app().error("{}", *problem);
             });
 }
 

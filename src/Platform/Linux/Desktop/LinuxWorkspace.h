@@ -22,12 +22,12 @@ public:
 
     /// Over the bus where a file manager serves it; when that fails later, the folder is opened and a failure
     /// of that is in the log.
-    std::optional<std::string> reveal(const FilePath& item) override;
+    std::optional<std::string> revealAll(const std::vector<FilePath>& items) override;
     std::optional<std::string> openTerminal(const FilePath& directory) override;
 
 private:
     [[nodiscard]] bool hasFileManagerOnBus() const;
-    void askFileManager(const FilePath& item);
+    void askFileManager(const std::vector<FilePath>& items);
     [[nodiscard]] std::optional<std::string> openFolder(const FilePath& folder) const;
 
     QDBusConnection bus_;

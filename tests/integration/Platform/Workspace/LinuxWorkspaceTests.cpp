@@ -81,6 +81,29 @@ TEST_F(WorkspaceOfLinux, ShowsAnItemInTheFileManagerOfTheBus) {
     EXPECT_THAT(manager.shown, ElementsAre("file://" + home.path().bytes() + "/a%20b%25/%FFfile"));
 }
 
+TEST_F(WorkspaceOfLinux, ShowsSeveralItemsAtOnce) {
+    ScriptedFileManager manager(bus.connect(), ScriptedFileManager::Conduct::shows);
+    EXPECT_EQ(workspace.revealAll({item, home.path().appending("other")}), std::nullopt);
+    ASSERT_TRUE(runUntil([&] { return !manager.shown.empty(); }, "the file manager"));
+    EXPECT_THAT(manager.shown, ElementsAre("file://" + home.path().bytes() + "/a%20b%25/%FFfile",
+                                           "file://" + home.path().bytes() + "/other"));
+}
+
+TEST_F(WorkspaceOfLinux, OpensTheFolderThatHoldsAllOfSeveralItems) {
+    install("xdg-open");
+    const FilePath vault = home.path().appending("vault");
+    EXPECT_EQ(workspace.revealAll(
+                  {vault.appending("a/b/one"), vault.appending("a/bc/two"), vault.appending("a/b")}),
+              std::nullopt);
+    EXPECT_THAT(noted(), testing::Contains("file://" + vault.bytes() + "/a"));
+}
+
+TEST_F(WorkspaceOfLinux, HasNothingToDoForNoItemsAndEndsForPathsThatHaveNoFolderInCommon) {
+    EXPECT_EQ(workspace.revealAll({}), std::nullopt);
+    EXPECT_EQ(workspace.revealAll({FilePath("relative"), FilePath("/absolute")}),
+              "No file manager was found.");
+}
+
 TEST_F(WorkspaceOfLinux, OpensTheFolderWhenTheFileManagerFails) {
     install("xdg-open");
     ScriptedFileManager manager(bus.connect(), ScriptedFileManager::Conduct::fails);

@@ -20,5 +20,12 @@ TEST(Tints, TellTheVerdictsApart) {
     EXPECT_EQ(tintName(SafetyDisposition::cannotClean), "secondary");
 }
 
+TEST(Tints, TellTheOutcomesOfACleanupApart) {
+    EXPECT_EQ(tintName(CleanupOutcome::succeeded), "green");
+    EXPECT_EQ(tintName(CleanupOutcome::failed), "red");
+    EXPECT_EQ(tintName(CleanupOutcome::cancelled), "secondary");
+    EXPECT_EQ(tintName(CleanupOutcome::partiallyCompleted), "orange");
+}
+
 }  // namespace
 }  // namespace cairnfield

@@ -44,7 +44,7 @@ TEST(WorktreeDetailText, ListsTheGitStateInItsOrder) {
     full.source = WorktreeSource::claude;
     EXPECT_THAT(detail(full).gitState,
                 ElementsAre(LabelledText{"Branch", "fix"},
-                            LabelledText{"HEAD", "0123456789abcdef0123456789abcdef01234567"},
+                            LabelledText{"HEAD", "0123456789abcdef0123456789abcdef01234567", true},
                             LabelledText{"Tracked changes", "1"}, LabelledText{"Staged", "2"},
                             LabelledText{"Untracked files", "4"}, LabelledText{"Conflicts", "3"},
                             LabelledText{"In progress", "cherry-pick"}, LabelledText{"Size", "3 MB"},

@@ -1,4 +1,5 @@
 #include "WorktreesFixture.h"
+#include "support/SignalCount.h"
 
 #include <gmock/gmock.h>
 
@@ -53,16 +54,17 @@ TEST_F(WorktreesActions, PinAndUnpinTheSelectedWorktree) {
 TEST_F(WorktreesActions, OpenTheReviewOfTheWorktreeAsItThenWas) {
     stage({worktree({.branch = "a"})});
     screen.preserveAndClean();
-    EXPECT_FALSE(screen.isReviewing());
+    EXPECT_FALSE(review.isOpen());
     screen.select(1);
     screen.preserveAndClean();
-    EXPECT_TRUE(screen.isReviewing());
+    EXPECT_TRUE(review.isOpen());
     EXPECT_EQ(screen.cleanupTarget()->id(), FilePath("/code/atlas/a"));
-    EXPECT_EQ(screen.cleanupDetail()->branch(), "a");
+    EXPECT_EQ(review.subtitle(), "atlas · a");
     stage({});
-    EXPECT_TRUE(screen.isReviewing()) << "a refresh does not take the sheet away";
-    screen.endReview();
-    EXPECT_FALSE(screen.isReviewing());
+    EXPECT_TRUE(review.isOpen()) << "a refresh does not take the sheet away";
+    const SignalCount ended(&screen, &WorktreesViewModel::reviewEnded);
+    review.close();
+    EXPECT_EQ(ended.count(), 1);
     EXPECT_EQ(screen.cleanupTarget(), std::nullopt);
 }
 
@@ -73,7 +75,7 @@ TEST_F(WorktreesActions, NeverOpenTheReviewOfWhatCannotBeCleaned) {
     for (int row = 1; row <= 3; ++row) {
         screen.select(row);
         screen.preserveAndClean();
-        EXPECT_FALSE(screen.isReviewing()) << selected();
+        EXPECT_FALSE(review.isOpen()) << selected();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "SampleWorktrees.h"
 #include "support/App/AppHarness.h"
 #include "support/AppModelStaging.h"
+#include "support/FakePasteboard.h"
 #include "support/FakeWorkspace.h"
 #include "support/QtApplication.h"
 
@@ -43,7 +44,9 @@ protected:
     QtApplication qt;
     AppHarness app;
     FakeWorkspace workspace;
-    WorktreesViewModel screen{*app.model, workspace, app.wallClock};
+    FakePasteboard pasteboard;
+    CleanupReviewViewModel review{*app.model, pasteboard};
+    WorktreesViewModel screen{*app.model, workspace, app.wallClock, review};
 };
 
 }  // namespace cairnfield

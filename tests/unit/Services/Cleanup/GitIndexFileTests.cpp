@@ -1,5 +1,6 @@
 #include "Services/Cleanup/ByteCursor.h"
 #include "Services/Cleanup/GitIndexFile.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -69,6 +70,37 @@ TEST(GitIndexFile, NamesItsBaseAndWhatItChangesThere) {
     EXPECT_EQ(file->base, std::string(20, 'b'));
     EXPECT_THAT(file->deleted, IsEmpty());
     EXPECT_THAT(file->superseded, ElementsAre(1U));
+}
+
+TEST(GitIndexFile, IsNotUnderstoodWithEntriesThatReplaceNothing) {
+    const TemporaryDirectory git;
+    (void)git.write("index", index({entry("a"), entry("")}));
+    EXPECT_FALSE(readGitIndex(git.path(), 20)) << "there is no base";
+
+    const std::string noBits = number(0, 4) + number(1, 4) + number(0, 8) + number(0, 4);
+    const std::string link = std::string(20, '\xAB') + noBits + noBits;
+    std::string baseName = "sharedindex.";
+    for (int i = 0; i < 20; ++i) baseName += "ab";
+    (void)git.write("index", index({entry("b")}, "link" + number(link.size(), 4) + link));
+    (void)git.write(baseName, index({entry("a")}));
+    const auto whole = readGitIndex(git.path(), 20);
+    ASSERT_TRUE(whole);
+    EXPECT_EQ(whole->size(), 2U);
+
+    (void)git.write("index", index({entry("")}, "link" + number(link.size(), 4) + link));
+    EXPECT_FALSE(readGitIndex(git.path(), 20)) << "no bit says what it replaces";
+    (void)git.write("index", index({entry("b")}, "link" + number(link.size(), 4) + link));
+    (void)git.write(baseName, index({entry("")}));
+    EXPECT_FALSE(readGitIndex(git.path(), 20)) << "the base has a nameless entry";
+}
+
+TEST(ByteCursor, TakesNoBitmapThatOnlyAsksForMemory) {
+    const std::uint64_t bits = std::uint64_t(1) << 28U;
+    const std::uint64_t allOfThem = 1U | ((bits / 64) << 1U);
+    const std::string bytes = number(bits, 4) + number(1, 4) + number(allOfThem, 8) + number(0, 4);
+    ByteCursor cursor(bytes);
+    EXPECT_THAT(cursor.bitmap(), IsEmpty());
+    EXPECT_FALSE(cursor.isGood());
 }
 
 TEST(ByteCursor, ReadsABitmapOfRunsAndWords) {

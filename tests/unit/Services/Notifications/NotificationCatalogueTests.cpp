@@ -98,5 +98,64 @@ TEST(FolderAlerts, CarryAPathsBytesAsTheyAre) {
     EXPECT_EQ(NotificationCatalogue::folderThreshold(folder).userInfo.at("path"), "/tmp/\xff\n<i>");
 }
 
+CleanupReceipt receiptWith(CleanupOutcome outcome) {
+    CleanupReceipt receipt;
+    receipt.id = *UUID::parse("6f9619ff-8b86-d011-b42d-00c04fc964ff");
+    receipt.repositoryName = "project";
+    receipt.outcome = outcome;
+    return receipt;
+}
+
+TEST(CleanupEnd, TellsWhatWasReclaimed) {
+    CleanupReceipt receipt = receiptWith(CleanupOutcome::succeeded);
+    receipt.reclaimedBytes = 1'500'000'000;
+    const Payload expected{.kind = NotificationKind::cleanupCompleted,
+                           .title = "Cleanup complete",
+                           .body = "Reclaimed about 1.5 GB from project.",
+                           .identifier = "cleanup." + receipt.id.text()};
+    EXPECT_EQ(NotificationCatalogue::cleanupEnded(receipt), expected);
+    receipt.reclaimedBytes = -7;
+    const std::string nothing = NotificationCatalogue::cleanupEnded(receipt).body;
+    receipt.reclaimedBytes = 0;
+    EXPECT_EQ(NotificationCatalogue::cleanupEnded(receipt).body, nothing);
+}
+
+TEST(CleanupEnd, TellsWhatStoppedItInTheReceiptsWords) {
+    for (const CleanupOutcome outcome :
+         {CleanupOutcome::failed, CleanupOutcome::cancelled, CleanupOutcome::partiallyCompleted}) {
+        CleanupReceipt receipt = receiptWith(outcome);
+        receipt.errorSummary = "The push was <b>rejected</b>.";
+        receipt.reclaimedBytes = 1'500'000'000;
+        const Payload expected{.kind = NotificationKind::cleanupFailed,
+                               .title = "Cleanup stopped, work is safe",
+                               .body = "The push was <b>rejected</b>.",
+                               .identifier = "cleanup." + receipt.id.text()};
+        EXPECT_EQ(NotificationCatalogue::cleanupEnded(receipt), expected);
+    }
+}
+
+TEST(CleanupEnd, SaysThatNothingWasDeletedWhenNoWordsCame) {
+    EXPECT_EQ(NotificationCatalogue::cleanupEnded(receiptWith(CleanupOutcome::failed)).body,
+              "Nothing was deleted.");
+}
+
+TEST(CleanupEnd, IsToldOncePerAttempt) {
+    CleanupReceipt again = receiptWith(CleanupOutcome::failed);
+    const std::string first = NotificationCatalogue::cleanupEnded(again).identifier;
+    again.outcome = CleanupOutcome::succeeded;
+    EXPECT_EQ(NotificationCatalogue::cleanupEnded(again).identifier, first);
+    again.id = UUID::make();
+    EXPECT_NE(NotificationCatalogue::cleanupEnded(again).identifier, first);
+}
+
+TEST(CleanupEnd, RepairsBytesThatAreNoText) {
+    CleanupReceipt receipt = receiptWith(CleanupOutcome::failed);
+    receipt.errorSummary = "caf\xe9";
+    EXPECT_EQ(NotificationCatalogue::cleanupEnded(receipt).body, "caf\xef\xbf\xbd");
+    receipt = receiptWith(CleanupOutcome::succeeded);
+    receipt.repositoryName = "caf\xe9";
+    EXPECT_NE(NotificationCatalogue::cleanupEnded(receipt).body.find("caf\xef\xbf\xbd"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace cairnfield

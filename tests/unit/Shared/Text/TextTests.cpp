@@ -78,6 +78,14 @@ TEST(Text, MakesLineSeparatorsAndChangesOfDirectionVisible) {
             << testing::PrintToString(hostile);
 }
 
+TEST(Text, KeepsTheLinesOfAMessageAndNothingElseThatControls) {
+    EXPECT_EQ(visibleLines("one\r\ntwo\n\nthree \x1B[31m\u202E\xFF"), "one\ntwo\n\nthree ␛[31m\uFFFD\uFFFD");
+    EXPECT_EQ(visibleLines("over\rwritten"), "over␍written");
+    EXPECT_EQ(visibleLines("\r\n\nmiddle\n\r\n"), "middle");
+    EXPECT_EQ(visibleLines("\n"), "");
+    EXPECT_EQ(visibleLines(""), "");
+}
+
 TEST(Text, LeavesOrdinaryTextInEveryScriptAsItIs) {
     EXPECT_EQ(visibleText("Ünï 日本語 עברית 😀 a b"), "Ünï 日本語 עברית 😀 a b");
     EXPECT_EQ(visibleText("bad\xFFname"), "bad\uFFFDname");

@@ -1,7 +1,6 @@
 import QtQuick
-import Cairnfield.Components
 
-// The card under a folder's row, which can be selected.
+// The card under a row of a list, which can be selected.
 Rectangle {
     id: card
 

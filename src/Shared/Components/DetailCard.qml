@@ -1,12 +1,12 @@
 import QtQuick
 import QtQuick.Layouts
-import Cairnfield.Components
 
-// A section of the detail: labels with their values, or one sentence in their place.
+// A section of a detail: its title, if it has one, and labels with their values or one sentence in their place. A row has
+// `label`, `value` and, where a person would copy the value, `isFixed`.
 StatusSurface {
     id: card
 
-    required property string title
+    property string title
     required property var rows
     property string message
 
@@ -17,6 +17,7 @@ StatusSurface {
             Layout.fillWidth: true
             Layout.bottomMargin: Theme.spaceTiny
             title: card.title
+            visible: title !== ""
         }
         InfoText {
             Layout.fillWidth: true
@@ -32,7 +33,7 @@ StatusSurface {
                 Layout.fillWidth: true
                 label: modelData.label
                 value: modelData.value
-                valueFont: label === "HEAD" ? Theme.fixedFont : Theme.bodyFont
+                valueFont: modelData.isFixed ? Theme.fixedFont : Theme.bodyFont
             }
         }
     }

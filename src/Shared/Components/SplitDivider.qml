@@ -1,5 +1,4 @@
 import QtQuick
-import Cairnfield.Components
 
 // The line between list and detail. It starts at a third of the width and can be dragged, or moved with the arrow keys while
 // it has the keyboard; a double click puts it back.

@@ -1,0 +1,26 @@
+#include "Features/RecoveryVault/VaultTexts.h"
+
+#include "Shared/Formatting/ByteFormatting.h"
+#include "Shared/Formatting/DateFormatting.h"
+#include "Shared/Text/Text.h"
+
+namespace cairnfield {
+
+VaultRowText vaultRowText(const RecoveryVaultEntry& entry, Date now) {
+    VaultRowText text;
+    text.path = entry.relativePath.display();
+    text.size = ByteFormatting::string(entry.sizeBytes);
+    text.origin =
+        visibleText(entry.repositoryName) + " · archived " + DateFormatting::relative(entry.archivedAt, now);
+    if (entry.expiresAt) text.expiry = "Expires " + DateFormatting::absolute(entry.expiresAt);
+    text.description = text.size + ", " + text.origin;
+    if (!text.expiry.empty()) text.description += ", " + text.expiry;
+    return text;
+}
+
+std::string vaultDeletionQuestion(const RecoveryVaultEntry& entry) {
+    return visibleText(entry.relativePath.lastComponent()) +
+           " cannot be recovered afterwards. It exists nowhere else.";
+}
+
+}  // namespace cairnfield
