@@ -6,6 +6,7 @@
 #include "Features/Worktrees/WorktreesViewModel.h"
 #include "support/App/AppHarness.h"
 #include "support/AppModelStaging.h"
+#include "support/FakePasteboard.h"
 #include "support/FakeWorkspace.h"
 #include "ui/screenshots/SampleState.h"
 
@@ -96,9 +97,11 @@ private:
     std::vector<Worktree> worktrees_ = manyWorktrees(count);
     AppHarness app_;
     FakeWorkspace workspace_;
+    FakePasteboard pasteboard_;
+    CleanupReviewViewModel review_{*app_.model, pasteboard_};
 
 public:
-    WorktreesViewModel viewModel{*app_.model, workspace_, app_.wallClock};
+    WorktreesViewModel viewModel{*app_.model, workspace_, app_.wallClock, review_};
 
 private:
     QQmlApplicationEngine engine_;

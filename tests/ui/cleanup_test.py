@@ -1,5 +1,6 @@
 """A whole cleanup as a person does it, from the list to the receipt, by name of control; and every way in which it stops."""
 
+import json
 import os
 import shutil
 import subprocess
@@ -10,6 +11,7 @@ from status_panel import StatusPanel
 
 OPEN = "Preserve & Clean…"
 TITLE = "Preserve & Clean"
+QUITS_LATER = "Cairnfield quits as soon as the cleanup is finished."
 NO_WAY_BACK = "Cancelling now could leave work half-preserved."
 
 
@@ -297,6 +299,32 @@ class Cleanup(CodeFolderTestCase):
         app.find("Cleaned", below=self.sheet(app))
         app.key("Return")
         app.wait_gone(TITLE, role="dialog")
+
+    # The end of the program meanwhile.
+
+    def test_ends_the_program_only_after_the_cleanup(self):
+        self.change()
+        self.hold_push()
+        app = self.open_review()
+        self.press(app, TITLE)
+        self.wait_at_gate(app)
+        app.key("ctrl+q")
+        app.find(QUITS_LATER)
+        app.picture("quits-after-the-cleanup")
+        app.terminate()
+        app.terminate()
+        self.close_window(app)  # there is no other way back to the program here, so this asks for the end as well
+        app.wait_window()
+        app.find(QUITS_LATER)
+        self.sheet_says(app, NO_WAY_BACK)
+        self.open_gate()
+        self.assertEqual(app.wait_ended(), 0)
+        self.assertFalse(os.path.exists(self.feature))
+        [branch] = self.recovery_branches()
+        self.assertEqual(git("show", branch + ":new.txt", at=self.hub), "new")
+        with open(self.data("cleanup-receipts.json"), encoding="utf-8") as file:
+            [receipt] = json.load(file)
+        self.assertEqual((receipt["outcome"], receipt["recoveryBranch"]), ("succeeded", branch))
 
 
 if __name__ == "__main__":
