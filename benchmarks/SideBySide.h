@@ -44,16 +44,20 @@ inline double medianOf(std::vector<Cost> costs, double Cost::* part) {
 }
 
 /// One iteration is one round. The benchmark's own time is that of `ours`; the ratios of the medians are its
-/// counters.
-template <class Ours, class Peer>
-void measureSideBySide(benchmark::State& state, const Ours& ours, const Peer& peer) {
+/// counters. `tidy` comes before each of the two and is not measured.
+template <class Ours, class Peer, class Tidy>
+void measureSideBySide(benchmark::State& state, const Ours& ours, const Peer& peer, const Tidy& tidy) {
     std::vector<Cost> ourCosts;
     std::vector<Cost> peerCosts;
     bool peerFirst = true;
+    const auto measure = [&tidy](std::vector<Cost>& costs, const auto& work) {
+        tidy();
+        costs.push_back(costOf(work));
+    };
     for (auto _ : state) {
-        if (peerFirst) peerCosts.push_back(costOf(peer));
-        ourCosts.push_back(costOf(ours));
-        if (!peerFirst) peerCosts.push_back(costOf(peer));
+        if (peerFirst) measure(peerCosts, peer);
+        measure(ourCosts, ours);
+        if (!peerFirst) measure(peerCosts, peer);
         peerFirst = !peerFirst;
         state.SetIterationTime(ourCosts.back().wall);
     }
@@ -66,6 +70,11 @@ void measureSideBySide(benchmark::State& state, const Ours& ours, const Peer& pe
     };
     report("wall", &Cost::wall);
     report("cpu", &Cost::processor);
+}
+
+template <class Ours, class Peer>
+void measureSideBySide(benchmark::State& state, const Ours& ours, const Peer& peer) {
+    measureSideBySide(state, ours, peer, [] {});
 }
 
 }  // namespace cairnfield

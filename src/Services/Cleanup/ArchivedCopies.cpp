@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
 #include <fstream>
 #include <system_error>
@@ -43,13 +44,24 @@ bool haveEqualContent(const FilePath& some, const FilePath& other) {
     return first.eof() && second.eof();
 }
 
-/// A copy keeps the time of its source. Where the file system knows times less finely, the content tells.
+/// Whether the file came into being after that moment. False where the file system does not know.
+bool isYounger(const FilePath& file, const timespec& moment) {
+    struct statx facts{};
+    if (statx(AT_FDCWD, file.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &facts) != 0) return false;
+    if ((facts.stx_mask & STATX_BTIME) == 0) return false;
+    const auto seconds = static_cast<std::time_t>(facts.stx_btime.tv_sec);
+    return seconds != moment.tv_sec ? seconds > moment.tv_sec : facts.stx_btime.tv_nsec > moment.tv_nsec;
+}
+
+/// A copy keeps the time of its source, and is made after its source was last touched. A time can be set
+/// back, and not every file system knows all of these; then the content tells.
 bool isGoodCopy(const FilePath& source, const FilePath& copy) {
     const std::optional<struct stat> original = statusOf(source);
     if (!original) return true;
     const std::optional<struct stat> stored = statusOf(copy);
     if (!stored || !S_ISREG(original->st_mode) || stored->st_size != original->st_size) return false;
-    return haveEqualTimes(*original, *stored) || haveEqualContent(source, copy);
+    const bool isUntouched = haveEqualTimes(*original, *stored) && isYounger(copy, original->st_ctim);
+    return isUntouched || haveEqualContent(source, copy);
 }
 
 }  // namespace

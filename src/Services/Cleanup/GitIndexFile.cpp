@@ -4,6 +4,7 @@
 #include "Shared/Files/Files.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace cairnfield {
@@ -86,6 +87,11 @@ bool readExtensions(ByteCursor& cursor, std::size_t objectBytes, GitIndexFile& f
     return cursor.isGood() && cursor.remaining() == objectBytes;
 }
 
+/// Only what replaces an entry of a base has no path.
+bool haveNames(std::span<const GitIndexEntry> entries) {
+    return std::ranges::none_of(entries, [](const GitIndexEntry& entry) { return entry.path.empty(); });
+}
+
 std::optional<std::vector<GitIndexEntry>> merged(std::vector<GitIndexEntry> base, GitIndexFile file) {
     std::size_t next = 0;
     for (const std::size_t position : file.superseded) {
@@ -94,6 +100,7 @@ std::optional<std::vector<GitIndexEntry>> merged(std::vector<GitIndexEntry> base
         file.entries[next].path = base[position].path;
         base[position] = std::move(file.entries[next++]);
     }
+    if (!haveNames(std::span(file.entries).subspan(next))) return std::nullopt;
     for (const std::size_t position : file.deleted) {
         if (position >= base.size()) return std::nullopt;
         base[position].path.clear();
@@ -133,13 +140,15 @@ std::optional<std::vector<GitIndexEntry>> readGitIndex(const FilePath& gitDirect
     if (!bytes) return std::vector<GitIndexEntry>();
     std::optional<GitIndexFile> file = GitIndexFile::parse(*bytes, objectBytes);
     if (!file) return std::nullopt;
-    if (file->base.empty()) return std::move(file->entries);
-
+    if (file->base.empty()) {
+        if (!haveNames(file->entries)) return std::nullopt;
+        return std::move(file->entries);
+    }
     const std::optional<std::string> baseBytes =
         readFile(gitDirectory.appending("sharedindex." + hexadecimal(file->base)));
     if (!baseBytes) return std::nullopt;
     std::optional<GitIndexFile> base = GitIndexFile::parse(*baseBytes, objectBytes);
-    if (!base || !base->base.empty()) return std::nullopt;
+    if (!base || !base->base.empty() || !haveNames(base->entries)) return std::nullopt;
     return merged(std::move(base->entries), *std::move(file));
 }
 

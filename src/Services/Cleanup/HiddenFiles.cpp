@@ -52,8 +52,19 @@ bool isOlder(const timespec& some, const timespec& other) {
     return some.tv_sec != other.tv_sec ? some.tv_sec < other.tv_sec : some.tv_nsec < other.tv_nsec;
 }
 
+/// In 32 bits, as the index keeps everything.
+std::uint32_t low(auto value) {
+    return static_cast<std::uint32_t>(value);
+}
+
+/// By what git compares. A file as young as the index it reads in any case.
+bool looksUnchangedToGit(const struct stat& file, const GitIndexEntry& entry, const timespec& indexModified) {
+    return low(file.st_size) == entry.size && low(file.st_ino) == entry.inode &&
+           low(file.st_mtim.tv_sec) == entry.modifiedSeconds &&
+           low(file.st_ctim.tv_sec) == entry.changedSeconds && file.st_mtim.tv_sec < indexModified.tv_sec;
+}
+
 bool looksAsCompared(const struct stat& file, const GitIndexEntry& entry, const timespec& indexModified) {
-    const auto low = [](auto value) { return static_cast<std::uint32_t>(value); };
     return low(file.st_size) == entry.size && low(file.st_ino) == entry.inode &&
            low(file.st_mtim.tv_sec) == entry.modifiedSeconds &&
            low(file.st_mtim.tv_nsec) == entry.modifiedNanoseconds &&
@@ -85,6 +96,13 @@ std::string nameOfFile(const FilePath& file, std::int64_t size, std::size_t obje
 }
 
 }  // namespace
+
+bool changedUnseen(const FilePath& worktree, const GitIndexEntry& entry, const timespec& indexModified) {
+    struct stat status{};
+    if (lstat(worktree.appending(entry.path).c_str(), &status) != 0) return false;
+    return looksUnchangedToGit(status, entry, indexModified) &&
+           differsFromIndex(worktree, entry, indexModified);
+}
 
 bool differsFromIndex(const FilePath& worktree, const GitIndexEntry& entry, const timespec& indexModified) {
     const FilePath file = worktree.appending(entry.path);

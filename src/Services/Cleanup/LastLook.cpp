@@ -24,6 +24,7 @@ using Entries = std::vector<GitIndexEntry>;
 using Names = std::unordered_set<std::string>;
 
 constexpr const char* movedHead = "Its HEAD is not where it was left.";
+constexpr const char* unreadableHead = "Its HEAD could not be read.";
 constexpr const char* unreadableIndex = "Its index could not be understood.";
 
 std::string firstComponent(const std::string& path) {
@@ -35,9 +36,8 @@ Objection objectionToHead(const ExpectedHead& expected, const WorktreeGitFiles& 
     const HeadOnDisk head = headOnDisk(files);
     switch (head.form) {
         case HeadOnDisk::Form::keptElsewhere:
-            return std::nullopt;
         case HeadOnDisk::Form::unreadable:
-            return movedHead;
+            return unreadableHead;
         case HeadOnDisk::Form::unborn:
             if (expected.form == ExpectedHead::Form::unborn) return std::nullopt;
             return movedHead;
@@ -45,7 +45,9 @@ Objection objectionToHead(const ExpectedHead& expected, const WorktreeGitFiles& 
             break;
     }
     const bool isThere = expected.form == ExpectedHead::Form::commit && head.commit == expected.commit;
-    return isThere ? Objection() : movedHead;
+    if (!isThere) return movedHead;
+    if (!expected.isElsewhere && head.goesWithWorktree) return "Its commits are on a reference of its own.";
+    return std::nullopt;
 }
 
 /// Its state, and work that it has put aside, are kept in the worktree's own Git directory alone.
@@ -69,16 +71,31 @@ std::size_t objectBytes(const Worktree& worktree) {
     return worktree.headSHA && worktree.headSHA->size() == 64 ? 32 : 20;
 }
 
-Objection objectionToHiddenFiles(const FilePath& worktree, const WorktreeGitFiles& files,
-                                 const Entries& entries) {
+/// The beginning of time when there is no index.
+timespec whenIndexWasWritten(const WorktreeGitFiles& files) {
     struct stat index{};
-    if (stat(files.own.appending("index").c_str(), &index) != 0) return std::nullopt;
+    (void)stat(files.own.appending("index").c_str(), &index);
+    return index.st_mtim;
+}
+
+Objection objectionToHiddenFiles(const FilePath& worktree, const Entries& entries,
+                                 const timespec& indexModified) {
     for (const GitIndexEntry& entry : entries) {
         if (!entry.isHidden() || entry.isSubmodule()) continue;
-        if (differsFromIndex(worktree, entry, index.st_mtim)) {
+        if (differsFromIndex(worktree, entry, indexModified)) {
             return FilePath(entry.path).display() +
                    " differs from what Git holds, and Git was told to overlook it.";
         }
+    }
+    return std::nullopt;
+}
+
+Objection objectionToUnseenChanges(const FilePath& worktree, const Entries& entries, const Names& touched,
+                                   const timespec& indexModified) {
+    if (touched.empty()) return std::nullopt;
+    for (const GitIndexEntry& entry : entries) {
+        if (touched.contains(entry.path) && changedUnseen(worktree, entry, indexModified))
+            return FilePath(entry.path).display() + " differs from what Git holds, and Git does not see it.";
     }
     return std::nullopt;
 }
@@ -99,8 +116,8 @@ Objection objectionToNewSecrets(const Worktree& reviewed, const Entries& entries
     return std::nullopt;
 }
 
-TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries) {
-    TreeLookQuestion question{root, {}, {}};
+TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries, const timespec& indexModified) {
+    TreeLookQuestion question{root, {}, {}, indexModified};
     for (const GitIndexEntry& entry : entries) {
         if (entry.isSubmodule()) question.submodules.insert(entry.path);
         if (entry.path == "HEAD" || entry.path.ends_with("/HEAD")) question.trackedHeads.insert(entry.path);
@@ -124,10 +141,14 @@ Objection objectionTo(const LastLookQuestion& question, const VolumeInformation&
 
     const std::optional<Entries> entries = readGitIndex(files->own, objectBytes(reviewed));
     if (!entries) return unreadableIndex;
-    objection = objectionToHiddenFiles(reviewed.path, *files, *entries);
+    const timespec indexModified = whenIndexWasWritten(*files);
+    objection = objectionToHiddenFiles(reviewed.path, *entries, indexModified);
     if (objection) return objection;
-    const TreeLook tree = lookAtTree(treeQuestion(reviewed.path, *entries));
+    const TreeLook tree = lookAtTree(treeQuestion(reviewed.path, *entries, indexModified));
     if (tree.objection) return tree.objection;
+    objection =
+        objectionToUnseenChanges(reviewed.path, *entries, tree.changedInTheSecondOfTheIndex, indexModified);
+    if (objection) return objection;
     objection = objectionToNewSecrets(reviewed, *entries, tree.topLevelNames);
     if (objection) return objection;
     return objectionToCopies(question.archived);
@@ -140,7 +161,10 @@ ExpectedHead ExpectedHead::preserved(const std::optional<std::string>& commit) {
 }
 
 ExpectedHead ExpectedHead::reviewed(const Worktree& worktree) {
-    return worktree.headSHA ? ExpectedHead{Form::commit, *worktree.headSHA} : ExpectedHead{Form::unborn, {}};
+    if (!worktree.headSHA) return {Form::unborn, {}};
+    const RemoteTrackingState& tracking = worktree.tracking;
+    const bool isElsewhere = tracking.headIsRemotelyPreserved || tracking.uniqueCommitCount == 0;
+    return {Form::commit, *worktree.headSHA, isElsewhere};
 }
 
 std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question,

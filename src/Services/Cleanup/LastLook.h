@@ -28,6 +28,7 @@ struct ExpectedHead {
 
     Form form = Form::anywhere;
     std::string commit;
+    bool isElsewhere = true;  ///< otherwise only what HEAD names holds the commit
 
     /// The commit that was preserved.
     [[nodiscard]] static ExpectedHead preserved(const std::optional<std::string>& commit);

@@ -36,6 +36,13 @@ struct Place {
     FilePath path;
 };
 
+/// Where a folder of ours will come to be, when it is not there yet.
+FilePath nearestThatExists(FilePath folder) {
+    while (!resolvedPath(folder) && folder.parent() != folder && !folder.parent().isEmpty())
+        folder = folder.parent();
+    return folder;
+}
+
 std::vector<Place> placesThatStay(const Worktree& worktree, const WorktreeGitFiles& files,
                                   const std::vector<FilePath>& ours) {
     std::vector<Place> places{{"The repository lies inside it.", worktree.repositoryRoot},
@@ -45,7 +52,8 @@ std::vector<Place> placesThatStay(const Worktree& worktree, const WorktreeGitFil
         places.push_back({"Another worktree lies inside it: " + other.display() + ".", other});
     for (const FilePath& objects : alternateObjects(files))
         places.push_back({"Objects of the repository lie inside it.", objects});
-    for (const FilePath& folder : ours) places.push_back({"Cairnfield's own files lie inside it.", folder});
+    for (const FilePath& folder : ours)
+        places.push_back({"Cairnfield's own files lie inside it.", nearestThatExists(folder)});
     for (const GitRemote& remote : worktree.remotes) {
         for (const std::string& url : {remote.fetchURL, remote.pushURL}) {
             const std::optional<FilePath> place = placeOfRemote(url, worktree.path);

@@ -24,7 +24,8 @@ using Facts = struct statx;
 std::optional<Facts> factsOf(int folder, const char* name) {
     Facts facts{};
     const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
-    if (statx(folder, name, flags, STATX_TYPE | STATX_MODE | STATX_UID, &facts) == 0) return facts;
+    const unsigned wanted = STATX_TYPE | STATX_MODE | STATX_UID | STATX_CTIME;
+    if (statx(folder, name, flags, wanted, &facts) == 0) return facts;
     if (errno == ENOENT) return std::nullopt;
     throw std::system_error(errno, std::generic_category(), FilePath(name).display());
 }
@@ -134,7 +135,14 @@ private:
         if (isDirectory || !isOnSameFileSystem(*facts, root_) || isProtected(*facts) ||
             keepsFor(folderFacts, *facts) || std::string_view(name) == ".git") {
             visitUnusual(folder, name, inside(relative, name), *facts, folderFacts);
+        } else if (changedInTheSecondOfTheIndex(*facts)) {
+            look_.changedInTheSecondOfTheIndex.insert(inside(relative, name));
         }
+    }
+
+    [[nodiscard]] bool changedInTheSecondOfTheIndex(const Facts& facts) const {
+        return facts.stx_ctime.tv_sec == question_.indexModified.tv_sec &&
+               facts.stx_ctime.tv_nsec > question_.indexModified.tv_nsec;
     }
 
     /// Everything but the many plain files, whose paths need not even be put together.

@@ -6,6 +6,7 @@
 
 #include "Shared/Paths/FilePath.h"
 
+#include <ctime>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -17,11 +18,14 @@ struct TreeLookQuestion {
     FilePath root;
     std::unordered_set<std::string> submodules;    ///< paths that the index holds a submodule at
     std::unordered_set<std::string> trackedHeads;  ///< tracked files named "HEAD"
+    timespec indexModified{};                      ///< when the index was last written
 };
 
 struct TreeLook {
     std::optional<std::string> objection;    ///< the first one that was met; the walk ends there
     std::vector<std::string> topLevelNames;  ///< all that lies directly under the root
+    /// Files that something happened to after the index was written, but within the same second.
+    std::unordered_set<std::string> changedInTheSecondOfTheIndex;
 };
 
 [[nodiscard]] TreeLook lookAtTree(const TreeLookQuestion& question);

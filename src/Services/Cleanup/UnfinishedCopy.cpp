@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::string_view mark = ".cairnfield-unfinished-";
 constexpr std::size_t blockSize = 65'536;  // two of them stay in a processor's own cache
+/// What the disk is busy with while the next is copied, or the one before compared. A multiple of a block.
+constexpr off_t pieceSize = off_t(16) << 20U;
 
 [[noreturn]] void fail(int code, const char* what) {
     throw std::system_error(code, std::generic_category(), what);
@@ -62,16 +64,32 @@ std::size_t readBlock(int file, std::vector<char>& block, off_t offset) {
     return filled;
 }
 
+/// A request only: where it cannot be made, the whole file is synced in the end.
+void beginWriting(int file, off_t offset, off_t length) {
+    (void)sync_file_range(file, offset, length, SYNC_FILE_RANGE_WRITE);
+}
+
+/// Tells of a piece that could not be written: the sync of the whole file would not tell of it again.
+void waitUntilWritten(int file, off_t offset, off_t length) {
+    constexpr unsigned all = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    if (sync_file_range(file, offset, length, all) == 0) return;
+    const bool isUnknownHere = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP || errno == ESPIPE;
+    if (!isUnknownHere) fail(errno, "sync");
+}
+
 void copyBytes(int source, int target) {
-    constexpr std::size_t atOnce = 1U << 30U;
     off_t from = 0;
     // In the kernel as far as that goes: it may share the blocks. Whatever ends it, the loop below goes on
     // from there and meets the same failure if it is one.
-    for (ssize_t count = 1; count > 0;) count = copy_file_range(source, &from, target, nullptr, atOnce, 0);
+    for (ssize_t count = 1; count > 0;) {
+        count = copy_file_range(source, &from, target, nullptr, pieceSize, 0);
+        if (count > 0) beginWriting(target, from - count, count);
+    }
     std::vector<char> block(blockSize);
     while (const std::size_t count = readBlock(source, block, from)) {
         writeAll(target, block.data(), count);
         from += static_cast<off_t>(count);
+        if (from % pieceSize == 0) beginWriting(target, from - pieceSize, pieceSize);
     }
 }
 
@@ -115,7 +133,6 @@ UnfinishedCopy::UnfinishedCopy(int folder, int source, Form form) : folder_(fold
     try {
         copyBytes(source_, file_.get());
         copyTime(source_, file_.get());
-        check(fsync(file_.get()), "sync");
     } catch (...) {
         if (!provisionalName_.empty()) unlinkat(folder_, provisionalName_.c_str(), 0);
         throw;
@@ -142,11 +159,14 @@ bool UnfinishedCopy::equalsSource() const {
     std::vector<char> ours(blockSize);
     std::vector<char> theirs(blockSize);
     for (off_t offset = 0;; offset += static_cast<off_t>(blockSize)) {
+        if (offset % pieceSize == 0) waitUntilWritten(file_.get(), offset, pieceSize);
         const std::size_t count = readBlock(file_.get(), ours, offset);
         if (count != readBlock(source_, theirs, offset)) return false;
         if (std::string_view(ours.data(), count) != std::string_view(theirs.data(), count)) return false;
-        if (count < blockSize) return true;
+        if (count < blockSize) break;
     }
+    check(fsync(file_.get()), "sync");
+    return true;
 }
 
 /// A file without a name can take a free one only, so it replaces another by way of this one.

@@ -95,18 +95,20 @@ HeadOnDisk headOnDisk(const WorktreeGitFiles& files) {
     if (isFolder(files.common.appending("reftable"))) return {Form::keptElsewhere, {}};
 
     std::string reference = "HEAD";
+    bool goes = false;
     for (int step = 0; step <= longestChain; ++step) {
         const FilePath& folder = belongsToOneWorktree(reference) ? files.own : files.common;
         const std::optional<std::string> content = readFile(folder.appending(reference));
         if (!content) {
             if (reference == "HEAD") return {Form::unreadable, {}};
             const std::optional<std::string> packed = packedCommit(files.common, reference);
-            return packed ? HeadOnDisk{Form::commit, *packed} : HeadOnDisk{Form::unborn, {}};
+            return packed ? HeadOnDisk{Form::commit, *packed, goes} : HeadOnDisk{Form::unborn, {}};
         }
         const std::string_view value = withoutLineEnd(*content);
-        if (isCommit(value)) return {Form::commit, std::string(value)};
+        if (isCommit(value)) return {Form::commit, std::string(value), goes};
         if (!value.starts_with(mark)) return {Form::unreadable, {}};
         reference = trimmed(value.substr(mark.size()));
+        goes = belongsToOneWorktree(reference);
     }
     return {Form::unreadable, {}};
 }

@@ -31,6 +31,7 @@ struct HeadOnDisk {
 
     Form form = Form::unreadable;
     std::string commit;
+    bool goesWithWorktree = false;  ///< it names a reference that this worktree has for itself
 };
 
 /// The commit that HEAD, or the branch that it names, is at.

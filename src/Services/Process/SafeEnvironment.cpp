@@ -1,5 +1,6 @@
 #include "Services/Process/SafeEnvironment.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdlib>
@@ -42,9 +43,27 @@ constexpr std::array redirections{
     "GIT_GLOB_PATHSPECS",
     "GIT_NOGLOB_PATHSPECS",
     "GIT_ICASE_PATHSPECS",
+    // What a file's content is taken for.
+    "GIT_ATTR_SOURCE",
     // Settings of the one git command that we may have been started by; they would outrank ours.
     "GIT_CONFIG_PARAMETERS",
 };
+
+/// Where programs and libraries are looked for, one place after the other.
+constexpr std::array searchLists{"PATH", "LD_LIBRARY_PATH"};
+
+/// Without the places that depend on the folder that a command runs in; an empty one is that folder itself.
+std::string absolutePlaces(std::string_view list) {
+    std::string kept;
+    while (!list.empty()) {
+        const std::string_view place = list.substr(0, list.find(':'));
+        list.remove_prefix(std::min(place.size() + 1, list.size()));
+        if (!place.starts_with('/')) continue;
+        if (!kept.empty()) kept += ':';
+        kept += place;
+    }
+    return kept;
+}
 
 /// How many settings the environment carries. git refuses to work with a number that is none, so such a one
 /// counts as 0.
@@ -62,6 +81,13 @@ unsigned countOf(const Environment& environment) {
 
 Environment safeForGit(Environment environment) {
     for (const char* name : redirections) environment.erase(name);
+    for (const char* name : searchLists) {
+        const auto found = environment.find(name);
+        if (found == environment.end()) continue;
+        found->second = absolutePlaces(found->second);
+        if (found->second.empty()) environment.erase(found);
+    }
+    environment["GIT_NO_LAZY_FETCH"] = "1";
     unsigned count = countOf(environment);
     for (const auto& [key, value] : settings) {
         const std::string number = std::to_string(count++);
@@ -80,8 +106,11 @@ void makeOwnEnvironmentSafe() {
         if (separator == std::string_view::npos) continue;
         present.emplace(pair.substr(0, separator), pair.substr(separator + 1));
     }
-    for (const char* name : redirections) unsetenv(name);
-    for (const auto& [name, value] : safeForGit(present)) setenv(name.c_str(), value.c_str(), 1);
+    const Environment safe = safeForGit(present);
+    for (const auto& [name, value] : present) {
+        if (!safe.contains(name)) unsetenv(name.c_str());
+    }
+    for (const auto& [name, value] : safe) setenv(name.c_str(), value.c_str(), 1);
 }
 
 }  // namespace cairnfield

@@ -5,7 +5,11 @@
 // Settings outrank those of the repository, the user and the system: git always looks for untracked files
 // itself (else its own refusal to remove a worktree that holds some can vanish), asks no program of the
 // repository's which files changed, trusts every time stamp, and never takes a remote's URL for a command.
-// Variables go that point git to another repository, or change what a path means.
+// Objects that a repository lacks are not fetched in passing, since its settings say by which program. The
+// variables go that point git to another repository, or change what a path or its content means. Programs and
+// libraries are looked up in absolute places only, never in the folder that a command runs in.
+//
+// docs/security.md says what this leaves open.
 
 #include "Platform/ChildProcess.h"
 

@@ -1,7 +1,5 @@
 #include "integration/Services/Cleanup/CleanupStage.h"
 
-#include "Services/Process/SafeEnvironment.h"
-
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -30,14 +28,6 @@ GitRepository clonedProject(const TemporaryDirectory& home, const GitRepository&
 }
 
 }  // namespace
-
-std::list<ScopedEnvironment> Cleanup::asAtTheStart() {
-    std::list<ScopedEnvironment> scoped;
-    scoped.emplace_back("GIT_CONFIG_GLOBAL", "/dev/null");
-    scoped.emplace_back("GIT_CONFIG_NOSYSTEM", "1");
-    for (const auto& [name, value] : safeForGit({})) scoped.emplace_back(name, value);
-    return scoped;
-}
 
 Cleanup::Cleanup()
     : hub(GitRepository::createBare(home / "hub.git")),

@@ -7,7 +7,7 @@
 #include "Services/Cleanup/RecoveryVaultService.h"
 #include "integration/Services/Cleanup/InterferingProcessRunner.h"
 #include "integration/Services/Git/GitServices.h"
-#include "support/ScopedEnvironment.h"
+#include "support/SafeSurroundings.h"
 #include "support/SettableVolume.h"
 #include "support/TemporaryDirectory.h"
 #include "support/Waiting.h"
@@ -86,7 +86,7 @@ protected:
     /// Nothing of the person's is gone: the worktree is there, and these hold what they held.
     void expectIntact(const CleanupReceipt& receipt) const;
 
-    std::list<ScopedEnvironment> environment = asAtTheStart();
+    std::list<ScopedEnvironment> environment = surroundingsAtTheStart();
     TemporaryDirectory home;
     GitRepository hub;
     GitRepository project;
@@ -110,9 +110,6 @@ protected:
         inspector};
 
 private:
-    /// Without anybody's settings, and made safe as the program makes it.
-    static std::list<ScopedEnvironment> asAtTheStart();
-
     std::mutex mutex_;
     std::vector<CleanupProgress> reports_;  // guarded by mutex_
 };

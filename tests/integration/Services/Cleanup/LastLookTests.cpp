@@ -1,6 +1,6 @@
 // The last look at real worktrees in states that git would remove without a word.
 
-#include "integration/Services/Cleanup/CleanupStage.h"
+#include "integration/Services/Cleanup/LastLookStage.h"
 
 #include <gmock/gmock.h>
 
@@ -12,23 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-class LastLook : public Cleanup {
-protected:
-    /// The objection's own words, without those of the error; empty when there is none.
-    std::string look(const Worktree& reviewed, std::vector<FilePath> ours = {}) {
-        const LastLookQuestion question{reviewed, ExpectedHead::reviewed(reviewed), {}, std::move(ours)};
-        const std::optional<CairnfieldError> objection = lookBeforeRemoval(question, mounts);
-        if (!objection) return {};
-        const auto* refusal = objection->as<CairnfieldError::WorktreeRemovalFailed>();
-        if (refusal) EXPECT_EQ(refusal->path, reviewed.path.bytes());
-        return refusal ? refusal->message : "another case: " + objection->errorDescription();
-    }
-    std::string look() { return look(review()); }
-
-    /// What the last look is for: git itself sees nothing wrong.
-    bool gitWouldRemove() const { return project.tryGit({"worktree", "remove", feature.path().bytes()}); }
-};
 
 TEST_F(LastLook, HasNothingAgainstAnOrdinaryWorktree) {
     feature.write("node_modules/a/index.js");

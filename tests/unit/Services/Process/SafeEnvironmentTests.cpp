@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
+#include <string>
 
 namespace cairnfield {
 namespace {
@@ -34,18 +36,42 @@ TEST(SafeEnvironment, TakesANumberThatIsNoneForNothing) {
 }
 
 TEST(SafeEnvironment, LeavesNothingThatLeadsGitElsewhere) {
-    for (const char* name : {"GIT_DIR", "GIT_COMMON_DIR", "GIT_OBJECT_DIRECTORY", "GIT_NAMESPACE",
-                             "GIT_LITERAL_PATHSPECS", "GIT_ICASE_PATHSPECS", "GIT_CONFIG_PARAMETERS"})
+    for (const char* name :
+         {"GIT_DIR", "GIT_COMMON_DIR", "GIT_OBJECT_DIRECTORY", "GIT_NAMESPACE", "GIT_LITERAL_PATHSPECS",
+          "GIT_ICASE_PATHSPECS", "GIT_ATTR_SOURCE", "GIT_CONFIG_PARAMETERS"})
         EXPECT_FALSE(safeForGit({{name, "1"}}).contains(name)) << name;
+}
+
+TEST(SafeEnvironment, HasGitFetchNoMissingObjectsInPassing) {
+    EXPECT_EQ(safeForGit({{"GIT_NO_LAZY_FETCH", "0"}}).at("GIT_NO_LAZY_FETCH"), "1");
+}
+
+TEST(SafeEnvironment, LooksForProgramsAndLibrariesInAbsolutePlacesOnly) {
+    const std::map<std::string, std::string> lists{{"/usr/bin:/bin", "/usr/bin:/bin"},
+                                                   {"./node_modules/.bin:/usr/bin", "/usr/bin"},
+                                                   {"/usr/bin:", "/usr/bin"},
+                                                   {":/usr/bin", "/usr/bin"},
+                                                   {"/a::/b", "/a:/b"},
+                                                   {"/a:.:bin:/b", "/a:/b"}};
+    for (const char* name : {"PATH", "LD_LIBRARY_PATH"}) {
+        for (const auto& [before, after] : lists)
+            EXPECT_EQ(safeForGit({{name, before}}).at(name), after) << name << " " << before;
+        for (const char* nothing : {"", ".", ":", "::", "bin"})
+            EXPECT_FALSE(safeForGit({{name, nothing}}).contains(name)) << name << " " << nothing;
+        EXPECT_FALSE(safeForGit({}).contains(name));
+    }
 }
 
 TEST(SafeEnvironment, BecomesThatOfThisProcess) {
     const ScopedEnvironment namesGitElsewhere("GIT_NAMESPACE", "other");
     const ScopedEnvironment count("GIT_CONFIG_COUNT", std::nullopt);
+    const ScopedEnvironment libraries("LD_LIBRARY_PATH", ":");
     makeOwnEnvironmentSafe();
     EXPECT_EQ(std::getenv("GIT_NAMESPACE"), nullptr);
     EXPECT_STREQ(std::getenv("GIT_CONFIG_COUNT"), "6");
     EXPECT_STREQ(std::getenv("GIT_CONFIG_KEY_1"), "core.fsmonitor");
+    EXPECT_STREQ(std::getenv("GIT_NO_LAZY_FETCH"), "1");
+    EXPECT_EQ(std::getenv("LD_LIBRARY_PATH"), nullptr);
 }
 
 }  // namespace
