@@ -1,0 +1,186 @@
+"""A world for one run: a remote, a project cloned from it, a linked worktree, a second clone, and a private home. Copied
+from a template that is made once in a process, since making it anew would take longer than the cleanup itself."""
+
+import os
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+import disks
+
+IGNORED = b"""*.env
+.env*
+*.key
+*.local
+node_modules/
+build/
+logs/
+secrets/
+scratch
+scratch-*
+"""
+TRACKED = {b"README.md": b"read me\n", b"src/a.txt": b"a as committed\n", b"src/b.txt": b"b as committed\n",
+           b"src/deep/c.txt": b"c as committed\n", b"kept.txt": b"kept as committed\n", b"tool.sh": b"#!/bin/sh\n"}
+SHORTCUTS = {"core.fsync": "none", "gc.auto": "0", "maintenance.auto": "false", "advice.detachedHead": "false"}
+GH = """#!/bin/sh
+case "$1 $2" in
+"--version "*) echo "gh version 2.23.0 (2023-02-27)" ;;
+"auth status") echo "code.example"; echo "  - Logged in to code.example as robin" ;;
+"repo view") echo '{"defaultBranchRef":{"name":"main"}}' ;;
+"pr create") echo "https://code.example/robin/project/pull/7" ;;
+"pr list") echo '[]' ;;
+*) exit 1 ;;
+esac
+"""
+SAFE = {"status.showUntrackedFiles": "all", "core.fsmonitor": "false", "core.untrackedCache": "false"}
+
+
+def places():
+    """Where worlds are kept: in memory when there is room, since a run is mostly small files."""
+    memory = Path("/dev/shm")
+    if memory.is_dir() and os.access(memory, os.W_OK) and shutil.disk_usage(memory).free > 1 << 28:
+        return memory
+    return Path(tempfile.gettempdir())
+
+
+def environment(home):
+    variables = {"HOME": str(home), "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8", "TZ": "UTC", "GIT_CONFIG_NOSYSTEM": "1",
+                 "GIT_AUTHOR_NAME": "Robin", "GIT_AUTHOR_EMAIL": "robin@example.invalid", "GIT_COMMITTER_NAME": "Robin",
+                 "GIT_COMMITTER_EMAIL": "robin@example.invalid", "TMPDIR": str(home / "tmp"), "GIT_EDITOR": "true"}
+    for name in ("ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LLVM_PROFILE_FILE"):
+        if name in os.environ:
+            variables[name] = os.environ[name]
+    settings = {"protocol.file.allow": "always", "safe.directory": "*", "init.defaultBranch": "main"}
+    variables["GIT_CONFIG_COUNT"] = str(len(settings))
+    for number, (key, value) in enumerate(settings.items()):
+        variables[f"GIT_CONFIG_KEY_{number}"] = key
+        variables[f"GIT_CONFIG_VALUE_{number}"] = value
+    return variables
+
+
+class GitFailed(Exception):
+    pass
+
+
+class World:
+    """Paths are bytes wherever a person's file names may stand in them."""
+
+    def __init__(self, base):
+        self.base = Path(base)
+        self.home = self.base / "home"
+        self.hub = self.base / "hub.git"
+        self.other = self.base / "other"
+        self.project = self.base / "project"
+        self.worktree = os.fsencode(self.base / "feature")
+        self.environment = environment(self.home)
+        self.remote = "origin"
+        self.stores_at = b"\0"  # where our own files lie in the worktree; nowhere
+        self.hubs = [self.hub]  # every bare repository that may hold work
+        self.features = []
+        self.refusing = False   # something in it stops a cleanup for a good reason
+        self.changed_by_hooks = set()  # paths
+        self.changed_unseen = set()    # paths whose change git itself cannot see
+        self.filtered = False   # what git stores is not what the file holds
+        self.options = {"untracked": "yes", "sensitive": "yes", "draft": "no"}
+        self.ahead = 3600       # seconds that the program's clock is ahead, so that nothing counts as just touched
+        self.limits = []        # (beginning of a command's line, milliseconds)
+        self.undo = []          # what makes an attempt's end checkable, such as giving back what was taken away
+        self.mounted = []
+        self.as_nobody = False
+        self.may_lose_receipt = False  # where it is kept cannot be written to
+
+    @property
+    def support(self):
+        return self.home / "data" / "Cairnfield"
+
+    def git(self, where, *words, check=True, stdin=None):
+        if not check and not os.path.isdir(where):
+            return None
+        done = subprocess.run(["git", *words], cwd=where, env=self.environment, input=stdin, capture_output=True,
+                              stdin=subprocess.DEVNULL if stdin is None else None)
+        if check and done.returncode != 0:
+            raise GitFailed(f"git {words} in {where!r}: {done.stderr!r}")
+        return done.stdout if done.returncode == 0 else None
+
+    def here(self, *words, **options):
+        return self.git(self.worktree, *words, **options)
+
+    def path(self, name):
+        return os.path.join(self.worktree, name)
+
+    def write(self, name, content, mode=None):
+        path = self.path(name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(content)
+        if mode is not None:
+            os.chmod(path, mode)
+
+    def commit(self, message="More", *words):
+        self.here("commit", "--quiet", "--no-verify", "--no-gpg-sign", "--message", message, *words)
+
+    def hook(self, name, script, repository=None):
+        folder = Path(repository or self.project / ".git") / "hooks"
+        folder.mkdir(exist_ok=True)
+        (folder / name).write_text("#!/bin/sh\n" + script + "\n")
+        (folder / name).chmod(0o755)
+
+    def configure(self, key, value):
+        self.git(self.project, "config", key, value)
+
+    def own_git_directory(self):
+        text = Path(os.fsdecode(self.path(b".git"))).read_bytes()
+        return text.removeprefix(b"gitdir: ").rstrip(b"\n")
+
+    def second_clone(self):
+        if not self.other.exists():
+            self.git(self.base, "clone", "--quiet", "--template=", str(self.hub), str(self.other))
+        return self.other
+
+    def remove(self):
+        disks.unmount(self)
+        for folder, folders, _ in os.walk(os.fsencode(self.base)):
+            for name in folders:
+                path = os.path.join(folder, name)
+                if not os.path.islink(path):
+                    os.chmod(path, 0o700)
+        shutil.rmtree(self.base)
+
+
+class Template:
+    """Made once, copied for each run; three files in it name absolute paths."""
+
+    def __init__(self, base, object_format="sha1"):
+        self.base = Path(base) / f"template-{object_format}"
+        world = World(self.base)
+        world.base.mkdir(parents=True)
+        (world.home / "tmp").mkdir(parents=True)
+        new = ["--quiet", "--template=", f"--object-format={object_format}"]
+        world.git(world.base, "init", *new, "--bare", str(world.hub))
+        world.git(world.base, "init", *new, str(world.project))
+        world.git(world.project, "remote", "add", "origin", str(world.hub))
+        for repository in (world.project, world.hub):
+            for key, value in SHORTCUTS.items():
+                world.git(repository, "config", key, value)
+        for name, content in {**TRACKED, b".gitignore": IGNORED}.items():
+            path = os.path.join(os.fsencode(world.project), name)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            Path(os.fsdecode(path)).write_bytes(content)
+        world.git(world.project, "add", ".")
+        world.git(world.project, "commit", "--quiet", "--message", "Begin")
+        world.git(world.project, "commit", "--quiet", "--allow-empty", "--message", "Second")
+        world.git(world.project, "push", "--quiet", "--set-upstream", "origin", "main")
+        world.git(world.project, "remote", "set-head", "origin", "main")
+        world.git(world.project, "worktree", "add", "--quiet", "-b", "feature", str(self.base / "feature"))
+        (world.home / "bin").mkdir()
+        (world.home / "bin" / "gh").write_text(GH)
+        (world.home / "bin" / "gh").chmod(0o755)
+        self.naming = [p for p in ("feature/.git", "project/.git/config", "project/.git/worktrees/feature/gitdir")]
+
+    def copy(self, base):
+        shutil.copytree(self.base, base, symlinks=True)
+        for name in self.naming:
+            file = Path(base) / name
+            file.write_text(file.read_text().replace(str(self.base) + "/", str(base) + "/"))
+        return World(base)
