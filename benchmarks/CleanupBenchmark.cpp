@@ -9,6 +9,7 @@
 #include "Platform/Linux/LinuxTreeMeasurer.h"
 #include "Platform/Linux/LinuxVolumeInformation.h"
 #include "RawCommand.h"
+#include "SampleProject.h"
 #include "Services/Cleanup/CleanupCoordinator.h"
 #include "Services/Cleanup/RecoveryVaultService.h"
 #include "Services/FileSystem/DirectorySizeScanner.h"
@@ -37,17 +38,8 @@ constexpr int filesInEach = 40;
 constexpr int rounds = 9;
 
 GitRepository makeProject(const TemporaryDirectory& home) {
-    const GitRepository seed = GitRepository::create(home / "seed");
-    for (int directory = 0; directory < directories; ++directory) {
-        for (int file = 0; file < filesInEach; ++file) {
-            const std::string name =
-                "module" + std::to_string(directory) + "/file" + std::to_string(file) + ".cpp";
-            seed.write(name, "// " + name + "\n" + std::string(1'500, 'x') + "\n");
-        }
-    }
-    seed.commit("Begin");
-    seed.git({"clone", "--quiet", "--bare", seed.path().bytes(), (home / "hub.git").bytes()});
-    const GitRepository project = GitRepository::at(home / "hub.git").cloneTo(home / "project");
+    const GitRepository hub = makeHub(home, directories, filesInEach);
+    const GitRepository project = hub.cloneTo(home / "project");
     project.git({"config", "user.name", "Robin Example"});
     project.git({"config", "user.email", "robin@example.invalid"});
     project.ignore("node_modules/");

@@ -6,6 +6,7 @@
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
 #include "RawCommand.h"
+#include "SampleProject.h"
 #include "Services/FileSystem/DirectorySizeScanner.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/Git/WorktreeCatalog.h"
@@ -31,17 +32,8 @@ constexpr int filesInEach = 30;
 constexpr int rounds = 9;
 
 void makeProject(const TemporaryDirectory& home) {
-    const GitRepository seed = GitRepository::create(home / "seed");
-    for (int directory = 0; directory < directories; ++directory) {
-        for (int file = 0; file < filesInEach; ++file) {
-            const std::string name =
-                "module" + std::to_string(directory) + "/file" + std::to_string(file) + ".cpp";
-            seed.write(name, "// " + name + "\n" + std::string(1'500, 'x') + "\n");
-        }
-    }
-    seed.commit("Begin");
-    seed.git({"clone", "--quiet", "--bare", seed.path().bytes(), (home / "hub.git").bytes()});
-    const GitRepository project = GitRepository::at(home / "hub.git").cloneTo(home / "root/project");
+    const GitRepository hub = makeHub(home, directories, filesInEach);
+    const GitRepository project = hub.cloneTo(home / "root/project");
     for (const char* pattern : {"node_modules/", "*.log", ".env"}) project.ignore(pattern);
     for (int number = 0; number < linkedWorktrees; ++number) {
         const std::string branch = "feature-" + std::to_string(number);

@@ -1,4 +1,5 @@
 #include "Services/Cleanup/CleanupPlan.h"
+#include "unit/Services/Cleanup/IgnoredEntryAt.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,15 +9,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-IgnoredEntry ignored(const std::string& name, std::int64_t size, IgnoredEntryClass classification) {
-    IgnoredEntry entry;
-    entry.name = name;
-    entry.relativePath = name;
-    entry.sizeBytes = size;
-    entry.classification = classification;
-    return entry;
-}
 
 class CleanupPlanTest : public testing::Test {
 protected:
