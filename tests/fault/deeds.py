@@ -3,6 +3,7 @@ a function of the world and the run, and must not fail when the worktree has gon
 
 import os
 import shutil
+from pathlib import Path
 
 ALL = {}
 
@@ -82,6 +83,8 @@ def edit_unseen(world, run):
     with open(path, "r+b") as file:
         file.write(b"#!/bin/zs")
     os.utime(path, ns=(status.st_atime_ns, status.st_mtime_ns))
+    if not world.here("--no-optional-locks", "status", "--porcelain", "tool.sh", check=False):
+        world.changed_unseen.add(b"tool.sh")
 
 
 @deed
@@ -249,6 +252,8 @@ def other_pushes_main(world, run):
 
 @deed
 def remote_drops_the_branch(world, run):
+    if "remote_is_itself" in world.features:
+        return  # it would be the worktree's own branch
     world.git(world.hubs[0], "update-ref", "-d", f"refs/heads/{branch_of(run)}", check=False)
 
 
@@ -276,13 +281,12 @@ def remote_moves_inside(world, run):
 @deed
 def lead_git_elsewhere(world, run):
     """The worktree's Git file names the main repository from now on."""
-    git_file = world.path(b".git")
+    git_file = Path(os.fsdecode(world.path(b".git")))
     run.may_move.add("refs/heads/main")  # that is where commits go from now on
-    if os.path.isfile(git_file):
-        before = open(git_file, "rb").read()
-        with open(git_file, "wb") as file:
-            file.write(b"gitdir: " + os.fsencode(world.project / ".git") + b"\n")
-        world.undo.append(lambda: os.path.isfile(git_file) and open(git_file, "wb").write(before))
+    if git_file.is_file():
+        before = git_file.read_bytes()
+        git_file.write_bytes(b"gitdir: " + os.fsencode(world.project / ".git") + b"\n")
+        world.undo.append(lambda: git_file.is_file() and git_file.write_bytes(before))
 
 
 @deed

@@ -189,7 +189,7 @@ def submodule(w, rng):
         w.write(b"part/left.txt", some_bytes(rng))
 
 
-@feature()
+@feature(refusing=True)
 def stat_is_ignored(w, rng):
     """Git takes files that it writes for unchanged from then on."""
     w.configure("core.ignoreStat", "true")
@@ -198,7 +198,6 @@ def stat_is_ignored(w, rng):
     w.commit("With ignored stat")
     if rng.randrange(2):
         w.write(b"src/b.txt", b"and changed unseen\n")
-        w.refusing = True
 
 
 @feature("base", refusing=True)
