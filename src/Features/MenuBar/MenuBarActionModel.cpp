@@ -1,5 +1,7 @@
 #include "Features/MenuBar/MenuBarActionModel.h"
 
+#include "Features/Presentation/QtText.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -20,10 +22,6 @@ constexpr std::array presentations{
     Presentation{"Pause monitoring", "pause.circle"}, Presentation{"Resume monitoring", "play.circle"},
     Presentation{"Quit Cairnfield", "power"},
 };
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// The two states of one switch are one row.
 MenuBarAction row(MenuBarAction action) {
@@ -71,9 +69,9 @@ QVariant MenuBarActionModel::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
         case titleRole:
-            return toQString(title(action));
+            return shown(title(action));
         case symbolNameRole:
-            return toQString(symbolName(action));
+            return shown(symbolName(action));
         case startsGroupRole:
             return action == MenuBarAction::scanNow || action == MenuBarAction::quit;
         default:

@@ -1,5 +1,6 @@
 #include "Features/MenuBar/MenuBarViewModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 #include "Services/Updates/UpdateChecking.h"
 #include "Shared/Formatting/ByteFormatting.h"
@@ -14,12 +15,8 @@ namespace {
 
 constexpr std::string_view itemTitle = "Cairnfield storage status";
 
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 QString bytesText(std::int64_t bytes) {
-    return toQString(ByteFormatting::string(std::max<std::int64_t>(bytes, 0)));
+    return shown(ByteFormatting::string(std::max<std::int64_t>(bytes, 0)));
 }
 
 }  // namespace
@@ -57,15 +54,15 @@ QString MenuBarViewModel::totalText() const {
 }
 
 QString MenuBarViewModel::levelText() const {
-    return toQString(cairnfield::title(model_.storageLevel()));
+    return shown(cairnfield::title(model_.storageLevel()));
 }
 
 QString MenuBarViewModel::levelSymbolName() const {
-    return toQString(cairnfield::symbolName(model_.storageLevel()));
+    return shown(cairnfield::symbolName(model_.storageLevel()));
 }
 
 QString MenuBarViewModel::levelTint() const {
-    return toQString(tintName(model_.storageLevel()));
+    return shown(tintName(model_.storageLevel()));
 }
 
 QString MenuBarViewModel::reclaimableText() const {
@@ -78,7 +75,7 @@ QString MenuBarViewModel::attentionText() const {
 
 QString MenuBarViewModel::folderName() const {
     const std::optional<WatchedFolder> folder = model_.largestWatchedFolder();
-    return folder ? toQString(visibleText(folder->displayName)) : QString();
+    return folder ? shown(visibleText(folder->displayName)) : QString();
 }
 
 QString MenuBarViewModel::folderSizeText() const {

@@ -1,5 +1,6 @@
 #include "Features/Preferences/PreferencesViewModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Services/Storage/ThresholdRecommendationService.h"
 #include "Services/Updates/AppVersion.h"
 #include "Services/Updates/UpdateChecking.h"
@@ -14,10 +15,6 @@ namespace cairnfield {
 namespace {
 
 constexpr std::array modes{ThresholdMode::smart, ThresholdMode::percentage, ThresholdMode::absolute};
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 std::vector<FractionSetting::Option> thresholdPresets() {
     std::vector<FractionSetting::Option> options;

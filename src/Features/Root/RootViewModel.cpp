@@ -1,5 +1,6 @@
 #include "Features/Root/RootViewModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 #include "Shared/Formatting/ByteFormatting.h"
 
@@ -9,10 +10,6 @@
 namespace cairnfield {
 
 namespace {
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 Task<> refreshAtFirstAppearance(AppModel& model, TaskHandle<> started) {
     co_await started.value();
@@ -46,15 +43,15 @@ int RootViewModel::selectedRow() const {
 }
 
 QString RootViewModel::section() const {
-    return toQString(rawValue(selection_));
+    return shown(rawValue(selection_));
 }
 
 QString RootViewModel::title() const {
-    return toQString(cairnfield::title(selection_));
+    return shown(cairnfield::title(selection_));
 }
 
 QString RootViewModel::symbolName() const {
-    return toQString(cairnfield::symbolName(selection_));
+    return shown(cairnfield::symbolName(selection_));
 }
 
 bool RootViewModel::showsStorageFooter() const {
@@ -62,21 +59,21 @@ bool RootViewModel::showsStorageFooter() const {
 }
 
 QString RootViewModel::levelText() const {
-    return toQString(cairnfield::title(model_.storageLevel()));
+    return shown(cairnfield::title(model_.storageLevel()));
 }
 
 QString RootViewModel::levelSymbolName() const {
-    return toQString(cairnfield::symbolName(model_.storageLevel()));
+    return shown(cairnfield::symbolName(model_.storageLevel()));
 }
 
 QString RootViewModel::levelTint() const {
-    return toQString(tintName(model_.storageLevel()));
+    return shown(tintName(model_.storageLevel()));
 }
 
 QString RootViewModel::freeText() const {
     const std::optional<StorageSnapshot>& snapshot = model_.state().storage.get();
     if (!snapshot) return QStringLiteral("— free");
-    return toQString(ByteFormatting::string(snapshot->availableCapacity)) + QStringLiteral(" free");
+    return shown(ByteFormatting::string(snapshot->availableCapacity)) + QStringLiteral(" free");
 }
 
 void RootViewModel::showThatQuitWaits() {

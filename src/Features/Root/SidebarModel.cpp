@@ -1,16 +1,9 @@
 #include "Features/Root/SidebarModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Root/SidebarSection.h"
 
 namespace cairnfield {
-
-namespace {
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
 
 int SidebarModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(visibleSections.size());
@@ -22,9 +15,9 @@ QVariant SidebarModel::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
         case titleRole:
-            return toQString(title(section));
+            return shown(title(section));
         case symbolNameRole:
-            return toQString(symbolName(section));
+            return shown(symbolName(section));
         default:
             return {};
     }

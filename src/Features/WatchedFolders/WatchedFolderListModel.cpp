@@ -1,18 +1,11 @@
 #include "Features/WatchedFolders/WatchedFolderListModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 
 #include <algorithm>
 
 namespace cairnfield {
-
-namespace {
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
 
 WatchedFolderListModel::WatchedFolderListModel(const WallClock& clock, QObject* parent)
     : QAbstractListModel(parent), clock_(clock) {}

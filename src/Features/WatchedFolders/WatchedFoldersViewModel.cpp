@@ -1,5 +1,6 @@
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Shared/Paths/TypedPath.h"
 #include "Shared/Text/Text.h"
 
@@ -9,10 +10,6 @@
 namespace cairnfield {
 
 namespace {
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // One task, so that the list of worktrees is asked for only once the folder is there.
 Task<> addAndRefresh(AppModel& model, FilePath folder) {

@@ -1,5 +1,6 @@
 #include "Features/Worktrees/WorktreeListModel.h"
 
+#include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 #include "Shared/Text/Text.h"
 
@@ -13,10 +14,6 @@ namespace {
 
 // Beyond so many steps telling each costs a view more than being shown the list anew.
 constexpr std::size_t mostRuns = 48;
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "Features/Worktrees/WorktreesViewModel.h"
 
+#include "Features/Presentation/QtText.h"
+
 #include <algorithm>
 
 namespace cairnfield {
@@ -7,10 +9,6 @@ namespace cairnfield {
 namespace {
 
 constexpr std::chrono::milliseconds updateInterval{100};
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 std::string bytes(const QString& text) {
     return text.toStdString();
