@@ -1,6 +1,6 @@
 #include "Services/Cleanup/ByteCursor.h"
 #include "Services/Cleanup/GitIndexFile.h"
-#include "Services/Cleanup/WorktreeGitFiles.h"
+#include "Services/Git/WorktreeGitFiles.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/Scratch.h"
 #include "fuzz/Targets.h"

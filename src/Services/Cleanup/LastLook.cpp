@@ -4,9 +4,9 @@
 #include "Services/Cleanup/HiddenFiles.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
-#include "Services/Cleanup/WorktreeGitFiles.h"
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/Git/IgnoredFileClassifier.h"
+#include "Services/Git/WorktreeGitFiles.h"
 #include "Shared/Paths/PathContainment.h"
 
 #include <sys/stat.h>

@@ -4,7 +4,7 @@
 // be read.
 
 #include "Models/Worktree.h"
-#include "Services/Cleanup/WorktreeGitFiles.h"
+#include "Services/Git/WorktreeGitFiles.h"
 
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#include "Services/Cleanup/WorktreeGitFiles.h"
+#include "Services/Git/WorktreeGitFiles.h"
 
 #include "Shared/Files/Files.h"
 #include "Shared/Text/Text.h"

@@ -1,6 +1,6 @@
 #pragma once
-// What git keeps about a linked worktree, read from its files without git. For the last look alone. Blocking,
-// any thread. Throws std::system_error for what is there and cannot be read.
+// What git keeps about a linked worktree, read from its files without git. Blocking, any thread. Throws
+// std::system_error for what is there and cannot be read.
 
 #include "Shared/Paths/FilePath.h"
 
