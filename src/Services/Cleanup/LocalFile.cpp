@@ -41,6 +41,19 @@ bool isInside(const std::string& location, const std::string& folder) {
     return folder == "/" || (location.size() > folder.size() && location[folder.size()] == '/');
 }
 
+/// Whether the name itself, and not what it leads to, is a link of the worktree: one that is only reached
+/// through a folder that leads elsewhere is not.
+bool isLinkOf(int root, const char* name) {
+    const FileDescriptor link(openat(root, name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status{};
+    if (!link || fstat(link.get(), &status) != 0 || !S_ISLNK(status.st_mode)) return false;
+    return isInside(locationOf(link.get()), locationOf(root));
+}
+
+bool meansNowhere(int code) {
+    return code == ENOENT || code == ENOTDIR || code == ELOOP;
+}
+
 }  // namespace
 
 std::vector<std::string> componentsInside(const IgnoredEntry& entry) {
@@ -54,6 +67,18 @@ std::vector<std::string> componentsInside(const IgnoredEntry& entry) {
     return components;
 }
 
+bool isLinkThatKeepsNothing(const FilePath& worktree, const IgnoredEntry& entry) {
+    const FileDescriptor root(open(worktree.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const char* name = entry.relativePath.c_str();
+    if (!root || !isLinkOf(root.get(), name)) return false;
+    const FileDescriptor found(openat(root.get(), name, O_PATH | O_CLOEXEC));
+    if (!found) return meansNowhere(errno);
+    struct stat status{};
+    const std::string location = locationOf(found.get());
+    if (!location.starts_with('/') || fstat(found.get(), &status) != 0) return false;
+    return S_ISDIR(status.st_mode) || !isInside(location, locationOf(root.get()));
+}
+
 std::optional<FileDescriptor> openLocalFile(const FilePath& worktree, const IgnoredEntry& entry, int vault) {
     (void)componentsInside(entry);
     const FileDescriptor root(open(worktree.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -65,6 +90,8 @@ std::optional<FileDescriptor> openLocalFile(const FilePath& worktree, const Igno
         if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
         fail(errno, entry);
     }
+
+    if (isLinkThatKeepsNothing(worktree, entry)) return std::nullopt;
 
     // First without opening it for anything, since opening a device or a pipe can have consequences. What is
     // looked at is then what is read, whatever happens to the names in between.

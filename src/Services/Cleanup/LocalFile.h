@@ -14,9 +14,15 @@ namespace cairnfield {
 /// could lead out by its text alone.
 [[nodiscard]] std::vector<std::string> componentsInside(const IgnoredEntry& entry);
 
+/// Whether the name is a link that holds no content of its worktree: it leads out of it, to a folder, in a
+/// circle or to nothing. What it leads to stays where it is, or goes by its own name's rules, so that there
+/// is nothing to keep. False for all that is no link, and for what cannot be told.
+[[nodiscard]] bool isLinkThatKeepsNothing(const FilePath& worktree, const IgnoredEntry& entry);
+
 /// The file of that name, for reading; where it is a link, the file that the link leads to, provided that it
-/// lies in the worktree as well and not in the vault. Absent when nothing has the name any more. Throws
-/// CairnfieldError::RecoveryVaultFailure, with the name, for everything else that cannot be copied.
+/// lies in the worktree as well and not in the vault. Absent when nothing has the name any more, and for a
+/// link that keeps nothing. Throws CairnfieldError::RecoveryVaultFailure, with the name, for everything else
+/// that cannot be copied.
 [[nodiscard]] std::optional<FileDescriptor> openLocalFile(const FilePath& worktree, const IgnoredEntry& entry,
                                                           int vault);
 

@@ -5,8 +5,9 @@
 //
 // A copy is written to a new file, synced, compared with its source byte for byte and moved into place, and
 // its folder is synced, before its entry exists. Folders are for the user alone (0700), and so are files
-// (0600). A link is followed to its content as long as that lies in the worktree; one that leads elsewhere, a
-// folder, and whatever cannot be opened are failures, never skipped.
+// (0600). A link is followed to its content as long as that lies in the worktree; one that leads elsewhere, to
+// a folder or to nothing has none to keep and is passed over (isLinkThatKeepsNothing). A folder, and whatever
+// cannot be opened, are failures, never skipped.
 //
 // A call to archive that fails or is cut short leaves whole copies without an entry, which stay, and perhaps
 // an unfinished one, which the next start of the vault removes. Nothing here deletes an expired entry.

@@ -193,12 +193,18 @@ TEST_F(CleanupThatStops, WhenALocalFileCannotBeArchived) {
     EXPECT_EQ(onRemote("kept.txt"), "changed");
 }
 
-TEST_F(CleanupThatStops, WhenAnArchivedLinkLeadsOutOfTheWorktree) {
+TEST_F(Cleanup, IsNotStoppedBySensitiveLinksThatKeepNothing) {
     const FilePath outside = home.write("outside", "not of this worktree\n");
+    feature.write("logs/inner", "in a folder\n");
     std::filesystem::create_symlink(outside.bytes(), (feature / ".env").bytes());
-    const CleanupReceipt receipt = stop();
-    EXPECT_THAT(receipt.errorSummary.value_or(""), HasSubstr("leads out of the worktree"));
+    std::filesystem::create_symlink("nowhere", (feature / "dangling.key").bytes());
+    std::filesystem::create_symlink("logs", (feature / "folder.key").bytes());
+    const CleanupReceipt receipt = clean();
+    EXPECT_EQ(receipt.errorSummary, std::nullopt);
+    EXPECT_EQ(receipt.outcome, CleanupOutcome::succeeded);
+    EXPECT_FALSE(isThere(feature.path()));
     EXPECT_THAT(receipt.recoveryVaultPaths, IsEmpty());
+    EXPECT_EQ(contentOf(outside), "not of this worktree\n");
 }
 
 TEST_F(CleanupThatStops, WhenTheLastStatusFails) {
