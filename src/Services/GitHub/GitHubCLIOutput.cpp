@@ -53,21 +53,17 @@ PullRequestState stateFrom(const std::string& word, bool isDraft) {
 }
 
 /// Some versions print the first day of the first year for what has not happened.
-bool isFarOff(const std::string& text) {
-    constexpr std::string_view leapYear = "2000";
-    if (text.size() < leapYear.size()) return false;
-    const bool hasYear = std::all_of(text.begin(), text.begin() + std::ptrdiff_t(leapYear.size()),
-                                     [](char c) { return c >= '0' && c <= '9'; });
-    return hasYear && dateFromISO8601(std::string(leapYear) + text.substr(leapYear.size())).has_value();
+bool isFarOff(Date date) {
+    return date == distantPast() || date == distantFuture();
 }
 
 std::optional<Date> dateIn(const Json& object, const char* key) {
     const auto place = object.find(key);
     if (place == object.end() || place->is_null()) return std::nullopt;
     const auto& text = place->get_ref<const std::string&>();
-    if (const std::optional<Date> date = dateFromISO8601(text)) return date;
-    if (isFarOff(text)) return std::nullopt;
-    detail::throwUnexpected(*place, "an ISO 8601 date");
+    const std::optional<Date> date = dateFromISO8601(text);
+    if (!date) detail::throwUnexpected(*place, "an ISO 8601 date");
+    return isFarOff(*date) ? std::nullopt : date;
 }
 
 PullRequestInfo pullRequestFrom(const Json& object) {

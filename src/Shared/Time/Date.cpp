@@ -34,16 +34,36 @@ std::optional<int> takeField(std::string_view& text, std::optional<char> separat
     return number;
 }
 
-std::optional<std::chrono::sys_days> takeDay(std::string_view& text) {
-    const std::optional<int> year = takeNumber(text, 4);
+/// Four digits, or more for a year that does not fit into them; a sign stands before a negative one, and
+/// before one of more than four. Held within a million years, beyond which all are alike.
+std::optional<int> takeYear(std::string_view& text) {
+    constexpr int farthest = 1'000'000;
+    const bool isNegative = take(text, '-');
+    const bool hasPlus = !isNegative && take(text, '+');
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (digits < 4 || (hasPlus && digits == 4)) return std::nullopt;
+    int year = 0;
+    for (const char c : text.substr(0, digits)) year = std::min(year * 10 + (c - '0'), farthest);
+    text.remove_prefix(digits);
+    return isNegative ? -year : year;
+}
+
+struct CalendarDay {
+    int year;
+    unsigned month;
+    unsigned day;
+};
+
+std::optional<CalendarDay> takeDay(std::string_view& text) {
+    const std::optional<int> year = takeYear(text);
     const std::optional<int> month = takeField(text, '-', 13);
     const std::optional<int> day = takeField(text, '-', 32);
     if (!year || !month || !day) return std::nullopt;
-    const std::chrono::year_month_day date(std::chrono::year(*year),
-                                           std::chrono::month(static_cast<unsigned>(*month)),
-                                           std::chrono::day(static_cast<unsigned>(*day)));
-    if (!date.ok()) return std::nullopt;
-    return std::chrono::sys_days(date);
+    const CalendarDay read{*year, static_cast<unsigned>(*month), static_cast<unsigned>(*day)};
+    // The calendar repeats itself every 400 years.
+    const std::chrono::year alike(2000 + read.year % 400);
+    if (!(alike / std::chrono::month(read.month) / std::chrono::day(read.day)).ok()) return std::nullopt;
+    return read;
 }
 
 /// A fraction needs at least one digit.
@@ -86,21 +106,34 @@ std::string iso8601(Date date) {
 }
 
 std::optional<Date> dateFromISO8601(std::string_view text) {
-    const std::optional<std::chrono::sys_days> day = takeDay(text);
+    const std::optional<CalendarDay> day = takeDay(text);
     const std::optional<int> hour = takeField(text, 'T', 24);
     const std::optional<int> minute = takeField(text, ':', 60);
-    const std::optional<int> second = takeField(text, ':', 60);
+    const std::optional<int> second = takeField(text, ':', 61);
     if (!day || !hour || !minute || !second || !skipFraction(text)) return std::nullopt;
     const std::optional<std::chrono::minutes> zone = takeZone(text);
     if (!zone) return std::nullopt;
 
-    const std::chrono::sys_seconds instant = *day + std::chrono::hours(*hour) +
-                                             std::chrono::minutes(*minute) + std::chrono::seconds(*second) -
-                                             *zone;
+    const auto moment =
+        std::chrono::hours(*hour) + std::chrono::minutes(*minute) + std::chrono::seconds(*second) - *zone;
+    constexpr int leapSecond = 60;
+    if (*second == leapSecond && moment % std::chrono::days(1) != std::chrono::seconds(0))
+        return std::nullopt;
     // The calendar reaches further than a Date, which counts nanoseconds in 64 bits.
-    if (instant < std::chrono::ceil<std::chrono::seconds>(Date::min())) return std::nullopt;
-    if (instant > std::chrono::floor<std::chrono::seconds>(Date::max())) return std::nullopt;
-    return instant;
+    constexpr int firstYear = 1677;
+    constexpr int lastYear = 2262;
+    if (day->year < firstYear) return distantPast();
+    if (day->year > lastYear) return distantFuture();
+    const std::chrono::sys_seconds instant =
+        std::chrono::sys_days(std::chrono::year(day->year) / std::chrono::month(day->month) /
+                              std::chrono::day(day->day)) +
+        moment;
+    return std::clamp<std::chrono::sys_seconds>(instant, std::chrono::ceil<std::chrono::seconds>(Date::min()),
+                                                std::chrono::floor<std::chrono::seconds>(Date::max()));
+}
+
+Date distantPast() {
+    return std::chrono::ceil<std::chrono::seconds>(Date::min());
 }
 
 Date distantFuture() {

@@ -27,11 +27,16 @@ public:
 /// "2026-11-21T14:50:47Z": UTC, the fraction of a second dropped towards the past.
 [[nodiscard]] std::string iso8601(Date date);
 
-/// Reads what iso8601 writes, and the other usual spellings: a fraction of a second (dropped) and a numeric
-/// zone. Absent for anything else, and for a date outside 1677 to 2262, which a Date cannot hold.
+/// Reads what iso8601 writes, and the other usual spellings: a fraction of a second (dropped), a numeric
+/// zone, a leap second (read as the second after it), and years of more digits or before the year 0. A date
+/// that a Date cannot hold reads as distantPast() or distantFuture(), whichever is nearer. Absent for
+/// anything else.
 [[nodiscard]] std::optional<Date> dateFromISO8601(std::string_view text);
 
-/// Later than anything that will happen: the last whole second that a Date can hold.
+/// The first whole second that a Date can hold, in the year 1677.
+[[nodiscard]] Date distantPast();
+
+/// Later than anything that will happen: the last whole second that a Date can hold, in the year 2262.
 [[nodiscard]] Date distantFuture();
 
 /// Seconds from `earlier` to `later`, negative when they stand the other way round.

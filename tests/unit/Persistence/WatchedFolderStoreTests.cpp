@@ -57,6 +57,18 @@ TEST_F(WatchedFolderStoreTest, IsEmptyAtTheFirstRun) {
     EXPECT_FALSE(fs::exists(file.bytes()));
 }
 
+TEST_F(WatchedFolderStoreTest, LosesNothingOverADateThatItCannotHold) {
+    WatchedFolder kept = add("/one");
+    kept.snoozedUntil = clock.now();
+    wait(store.update(kept));
+    std::string text = contentOf(file);
+    const std::string date = iso8601(clock.now());
+    text.replace(text.find(date), date.size(), "9999-12-31T23:59:59Z");
+    home.write("data/Cairnfield/watched-folders.json", text);
+    kept.snoozedUntil = distantFuture();
+    EXPECT_THAT(loadAgain().folders, ElementsAre(kept));
+}
+
 TEST_F(WatchedFolderStoreTest, AddsFoldersInOrderAndSavesThem) {
     const WatchedFolder first = add("/p/one");
     const WatchedFolder second = add("/p/two");

@@ -175,7 +175,7 @@ TEST(GitHubPullRequests, FailForAMissingOrOddField) {
         EXPECT_THROW((void)decoded({bad}), Json::exception) << "list " << key;
     }
     for (const Json& date : {Json("yesterday"), Json(""), Json(7), Json("2024-13-01T00:00:00Z"),
-                             Json("0001-01-01"), Json("99999-01-01T00:00:00Z")})
+                             Json("0001-01-01"), Json("99999-13-01T00:00:00Z")})
         EXPECT_THROW((void)decoded({record(1, "MERGED", false, date)}), Json::exception) << date;
     Json large = record(1, "OPEN");
     large["number"] = 1e300;

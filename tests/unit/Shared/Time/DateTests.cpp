@@ -62,11 +62,40 @@ TEST(Date, ReadsNothingElse) {
         EXPECT_EQ(dateFromISO8601(text), std::nullopt) << text;
 }
 
-TEST(Date, RefusesDatesThatItCannotHold) {
-    EXPECT_EQ(dateFromISO8601("9999-12-31T23:59:59Z"), std::nullopt);
-    EXPECT_EQ(dateFromISO8601("0001-01-01T00:00:00Z"), std::nullopt);
-    EXPECT_TRUE(dateFromISO8601("2262-04-11T00:00:00Z"));
-    EXPECT_TRUE(dateFromISO8601("1677-09-22T00:00:00Z"));
+TEST(Date, HoldsWhatItCannotReachAtTheNearerEnd) {
+    for (const char* text :
+         {"2262-04-11T23:47:17Z", "2262-04-12T00:00:00Z", "2262-12-31T00:00:00Z", "2263-01-01T00:00:00Z",
+          "9999-12-31T23:59:59Z", "9999-12-31T23:59:59.999-12:00", "10000-01-01T00:00:00Z",
+          "+10000-02-29T00:00:00Z", "99999999999999999999-01-01T00:00:00Z"})
+        EXPECT_EQ(dateFromISO8601(text), distantFuture()) << text;
+    for (const char* text : {"1677-09-21T00:12:43Z", "1677-01-01T00:00:00Z", "1676-12-31T23:59:59Z",
+                             "0001-01-01T00:00:00Z", "0000-02-29T00:00:00Z", "-0044-03-15T12:00:00Z",
+                             "-0004-02-29T00:00:00Z", "-99999999999999999999-01-01T00:00:00Z"})
+        EXPECT_EQ(dateFromISO8601(text), distantPast()) << text;
+}
+
+TEST(Date, ReachesFromEndToEndInWholeSeconds) {
+    EXPECT_EQ(iso8601(distantFuture()), "2262-04-11T23:47:16Z");
+    EXPECT_EQ(iso8601(distantPast()), "1677-09-21T00:12:44Z");
+    for (const Date end : {distantFuture(), distantPast()}) EXPECT_EQ(dateFromISO8601(iso8601(end)), end);
+    EXPECT_EQ(dateFromISO8601("2262-04-11T23:47:15Z"), distantFuture() - 1s);
+    EXPECT_EQ(dateFromISO8601("1677-09-21T00:12:45Z"), distantPast() + 1s);
+}
+
+TEST(Date, ReadsALeapSecondAsTheSecondAfterIt) {
+    const Date newYear = *dateFromISO8601("2017-01-01T00:00:00Z");
+    EXPECT_EQ(dateFromISO8601("2016-12-31T23:59:60Z"), newYear);
+    EXPECT_EQ(dateFromISO8601("2016-12-31T23:59:60.5Z"), newYear);
+    EXPECT_EQ(dateFromISO8601("2017-01-01T00:59:60+01:00"), newYear);
+    EXPECT_EQ(dateFromISO8601("2016-12-31T23:59:60+01:00"), std::nullopt) << "not at the end of a day of UTC";
+}
+
+TEST(Date, ReadsNoGarbageBeyondWhatItCanHoldEither) {
+    for (const char* text :
+         {"9999-13-01T00:00:00Z", "9999-02-29T00:00:00Z", "10000-1-01T00:00:00Z", "-004-01-01T00:00:00Z",
+          "+9999-01-01T00:00:00Z", "--0044-01-01T00:00:00Z", "9999-12-31T23:59:59", "99999-12-31T23:59:61Z",
+          "-0001-02-29T00:00:00Z", "99999-12-31T23:59:59.Z"})
+        EXPECT_EQ(dateFromISO8601(text), std::nullopt) << text;
 }
 
 TEST(Date, CountsSecondsBetweenTwoDates) {
