@@ -4,10 +4,9 @@
 // thread, which operations give up only where they wait. They do not throw, but where one says so: what goes
 // wrong stands in a published text or in the log.
 //
-// One class, one header, a source for each concern: AppModel.cpp (construction, start, stop), and, by their
-// names, Monitoring (loops, reading the volume), Alerts (what is news, and its delivery), Watching (file
-// events), Folders, Worktrees (git services, refresh, sizing, pins), Cleanup (with its records and the vault)
-// and Settings (what a switch sets off).
+// One source for each concern, by its name: Monitoring (loops, reading the volume), Alerts (what is news, and
+// its delivery), Watching (file events), Folders, Worktrees (git services, refresh, sizing, pins), Cleanup
+// (with its records and the vault), Settings (what a switch sets off); the start and the stop without one.
 
 #include "App/AppEnvironment.h"
 #include "App/AppState.h"
@@ -22,6 +21,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 namespace cairnfield {
@@ -33,6 +33,7 @@ class NotificationCenterDelegate;
 struct CleanupPlan;
 struct CleanupPreflightReport;
 struct NotificationRequestPayload;
+struct ReviewLook;
 
 class AppModel final : public Isolated, private NotificationAnswering {
 public:
@@ -91,6 +92,7 @@ public:
     // Cleanup.
     [[nodiscard]] CleanupPlan makePlan(const Worktree& worktree) const;  ///< what the settings propose
     Task<CleanupPreflightReport> preflight(Worktree worktree);
+    Task<ReviewLook> lookForReview(Worktree worktree, std::stop_token abandoned);  ///< off the main thread
     /// Runs to its end, whatever is cancelled. Absent when git is unusable: nothing ran.
     Task<std::optional<CleanupReceipt>> execute(CleanupPlan plan);
     Task<> removeVaultEntry(RecoveryVaultEntry entry);

@@ -1,8 +1,11 @@
 #include "App/AppModel.h"
 #include "App/CleanupServices.h"
+#include "Services/Cleanup/ReviewLook.h"
 #include "Services/Notifications/Notification.h"
 #include "Services/Notifications/NotificationCatalogue.h"
 #include "Shared/Concurrency/Cancelled.h"
+#include "Shared/Concurrency/CurrentTask.h"
+#include "Shared/Concurrency/RunOn.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 
@@ -51,6 +54,19 @@ Task<CleanupPreflightReport> AppModel::preflight(Worktree worktree) {
             state_.gitStatusMessage.get().value_or("Git is unavailable."));
     const bool requiresRemote = makePlan(worktree).requiresPreservation();
     co_return co_await crew->coordinator.preflight(std::move(worktree), requiresRemote);
+}
+
+Task<ReviewLook> AppModel::lookForReview(Worktree worktree, std::stop_token abandoned) {
+    std::stop_source either;
+    const auto stop = [&either] { either.request_stop(); };
+    const std::stop_token ending = co_await currentStopToken();
+    const std::stop_callback whenAbandoned(std::move(abandoned), stop);
+    const std::stop_callback whenEnding(ending, stop);
+    const auto look = [&] {
+        return cairnfield::lookForReview(worktree, cleanup_->maximumVaultFileBytes, either.get_token());
+    };
+    ReviewLook found = co_await runOn(environment_.blocking, look);
+    co_return found;
 }
 
 Task<std::optional<CleanupReceipt>> AppModel::execute(CleanupPlan plan) {

@@ -13,10 +13,11 @@ CleanupServices::Crew::Crew(const CleanupCoordinator::Surroundings& surroundings
       coordinator(surroundings, git, *github, services.vault, services.receipts, *inspector) {}
 
 // The vault copies and compares whole files within a call.
-CleanupServices::CleanupServices(const AppEnvironment& environment, std::int64_t maximumVaultFileBytes)
-    : receipts(environment.pool, environment.support),
+CleanupServices::CleanupServices(const AppEnvironment& environment, std::int64_t maximumFileBytes)
+    : maximumVaultFileBytes(maximumFileBytes),
+      receipts(environment.pool, environment.support),
       vault(environment.blocking, environment.support, environment.volumes, environment.wallClock,
-            maximumVaultFileBytes) {}
+            maximumFileBytes) {}
 
 void CleanupServices::replaceCrew(std::shared_ptr<Crew> crew) {
     if (underWay_ > 0) {

@@ -30,9 +30,10 @@ public:
         CleanupCoordinator coordinator;
     };
 
-    /// Every file larger than `maximumVaultFileBytes` stays out of the vault.
-    CleanupServices(const AppEnvironment& environment, std::int64_t maximumVaultFileBytes);
+    /// Every file larger than `maximumFileBytes` stays out of the vault.
+    CleanupServices(const AppEnvironment& environment, std::int64_t maximumFileBytes);
 
+    const std::int64_t maximumVaultFileBytes;
     CleanupReceiptStore receipts;
     RecoveryVaultService vault;
 

@@ -15,6 +15,8 @@ CleanupPlan applied(const CleanupPlan& plan, const CleanupChoices& choices, bool
         chosen.filesToArchive = plan.worktree.sensitiveIgnoredEntries();
         std::erase_if(chosen.filesToArchive, [](const IgnoredEntry& entry) { return entry.isDirectory; });
     }
+    chosen.nested.toArchive.clear();
+    if (choices.includeNestedInVault) chosen.nested.toArchive = plan.nested.withinLimit();
     chosen.createPullRequest = choices.createPullRequest && isSignedIn;
     chosen.commitMessage = choices.commitMessage;
     return chosen;

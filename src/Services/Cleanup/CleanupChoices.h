@@ -13,6 +13,7 @@ struct CleanupChoices {
     bool includeSensitiveInVault = true;
     bool createPullRequest = true;
     std::string commitMessage;
+    bool includeNestedInVault = true;  ///< what looks sensitive below the top
 
     /// What the sheet shows before anything was changed.
     [[nodiscard]] static CleanupChoices proposed(const CleanupPlan& plan);
@@ -22,7 +23,8 @@ struct CleanupChoices {
 
 /// The plan that is carried out. What it archives is the person's choice alone: with
 /// `includeSensitiveInVault` every sensitive file of the worktree whatever its size, but no directory, and
-/// without it nothing. `isSignedIn`: gh is, at one host at least; else there is no pull request.
+/// without it nothing; from below the top, with `includeNestedInVault`, of the files that the plan has seen
+/// those that the vault takes. `isSignedIn`: gh is, at one host at least; else there is no pull request.
 [[nodiscard]] CleanupPlan applied(const CleanupPlan& plan, const CleanupChoices& choices, bool isSignedIn);
 
 }  // namespace cairnfield

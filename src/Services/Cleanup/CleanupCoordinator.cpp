@@ -84,6 +84,9 @@ Task<CleanupReceipt> CleanupCoordinator::runToItsEnd(CleanupPlan plan, ProgressR
                                           clock_.now());
     }
 
+    // What is not known cannot be kept.
+    if (plan.nested.failure) co_return ReceiptWriting::stopped(plan, {}, *plan.nested.failure, clock_.now());
+
     std::optional<std::string> failure;
     try {
         co_await carryOut(run);
@@ -103,7 +106,7 @@ Task<> CleanupCoordinator::carryOut(Run& run) {
     PreservationSteps steps(git_, run.plan);
     const bool preserves = run.plan.requiresPreservation();
     if (preserves) co_await preserve(run, steps);
-    if (!run.plan.filesToArchive.empty()) co_await archiveLocalFiles(run);
+    if (!run.plan.allFilesToArchive().empty()) co_await archiveLocalFiles(run);
     co_await removeWorktree(run);
     // The worktree is gone by now, so the question is asked from where the repository is.
     if (preserves)
@@ -156,9 +159,10 @@ Task<> CleanupCoordinator::openPullRequest(Run& run, std::string base) {
 
 Task<> CleanupCoordinator::archiveLocalFiles(Run& run) {
     const CleanupPlan& plan = run.plan;
-    run.tell(CleanupStage::archivingLocalFiles, countOf(plan.filesToArchive.size()));
+    const std::vector<IgnoredEntry> files = plan.allFilesToArchive();
+    run.tell(CleanupStage::archivingLocalFiles, countOf(files.size()));
     std::vector<RecoveryVaultEntry> entries = co_await vault_.archive(
-        plan.filesToArchive, plan.worktree, plan.worktree.repositoryName, UUID::make(), plan.retentionDays);
+        files, plan.worktree, plan.worktree.repositoryName, UUID::make(), plan.retentionDays);
     for (const RecoveryVaultEntry& entry : entries) run.reached.vaultPaths.push_back(entry.storedPath);
     run.archived = std::move(entries);
 }

@@ -39,4 +39,10 @@ bool CleanupPlan::requiresPreservation() const {
     return !tracking.headIsRemotelyPreserved;
 }
 
+std::vector<IgnoredEntry> CleanupPlan::allFilesToArchive() const {
+    std::vector<IgnoredEntry> files = filesToArchive;
+    files.insert(files.end(), nested.toArchive.begin(), nested.toArchive.end());
+    return files;
+}
+
 }  // namespace cairnfield

@@ -5,6 +5,7 @@
 
 #include "Models/CleanupReceipt.h"
 #include "Models/Worktree.h"
+#include "Services/Cleanup/NestedSensitiveFiles.h"
 #include "Shared/Time/Date.h"
 
 #include <cstdint>
@@ -39,11 +40,16 @@ struct CleanupPlan {
     std::optional<std::string> remoteName;
     bool createPullRequest = false;
     std::int64_t retentionDays = 0;
+    /// What was seen below the top, and what of it goes to the vault as well. Empty unless it was looked for.
+    NestedSensitiveFiles nested;
 
     [[nodiscard]] static CleanupPlan makeDefault(const Worktree& worktree, const PlanDefaults& settings);
 
     /// Whether something must be on a remote before the worktree may go. Files to archive need none.
     [[nodiscard]] bool requiresPreservation() const;
+
+    /// Everything that goes to the vault, from the top of the worktree and from below, in this order.
+    [[nodiscard]] std::vector<IgnoredEntry> allFilesToArchive() const;
 
     friend bool operator==(const CleanupPlan&, const CleanupPlan&) = default;
 };
