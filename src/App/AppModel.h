@@ -4,9 +4,8 @@
 // thread, which operations give up only where they wait. They do not throw, but where one says so: what goes
 // wrong stands in a published text or in the log.
 //
-// One source for each concern, by its name: Monitoring (loops, reading the volume), Alerts (what is news, and
-// its delivery), Watching (file events), Folders, Worktrees (git services, refresh, sizing, pins), Cleanup
-// (with its records and the vault), Settings (what a switch sets off); the start and the stop without one.
+// One source for each concern, by its name: Monitoring (loops, readings), Alerts (what is news), Watching
+// (file events), Folders, Worktrees (git services, sizing, pins), Cleanup (records, vault), Settings.
 
 #include "App/AppEnvironment.h"
 #include "App/AppState.h"
