@@ -1,7 +1,7 @@
 #include "Services/Cleanup/MissingFiles.h"
 
 #include "Services/Cleanup/GitIndexFile.h"
-#include "Services/Cleanup/WorktreeGitFiles.h"
+#include "Services/Git/WorktreeGitFiles.h"
 
 #include <sys/stat.h>
 
