@@ -38,6 +38,7 @@ void lookBesideStatus(benchmark::State& state) {
     question.reviewed.repositoryRoot = home / "project";
     question.reviewed.gitCommonDir = home / "project/.git";
     question.reviewed.headSHA = tree.head();
+    question.reviewed.status.ignoredPaths = {"node_modules/"};
     question.head = ExpectedHead::preserved(tree.head());
     question.mustStay = {home / "data"};
     const LinuxVolumeInformation volumes;

@@ -37,6 +37,11 @@ class Going:
         self.faults = faults
 
 
+def add_build_output(world, run):
+    """Other ignored files that appear are refused by the last look."""
+    deeds.write(world, b"node_modules/late.js", b"late\n")
+
+
 def at(step, *names):
     return [attempts.Stop(step, deed=deeds.ALL[name]) for name in names]
 
@@ -44,7 +49,7 @@ def at(step, *names):
 GOING = {
     "ignored-rebuildable": Going(["edit", "build_output"], shown_as("node_modules", "rebuildable")),
     "ignored-unknown": Going(["edit", "unknown_ignored"], shown_as("scratch", "unknown")),
-    "ignored-later": Going(["edit"], stops=at("after git push", "add_unknown_ignored")),
+    "ignored-later": Going(["edit"], stops=[attempts.Stop("after git push", deed=add_build_output)]),
     "secret-nested": Going(["edit", "secret_nested"], shown_as("node_modules", "rebuildable")),
     "secret-directory": Going(["edit", "secret_directory"], shown_as(".env.d", "sensitive")),
     "secret-unselected": Going(["edit", "secret"], shown_as(".env", "sensitive"), {"sensitive": "no"}),

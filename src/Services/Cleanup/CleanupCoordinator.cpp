@@ -170,21 +170,22 @@ Task<> CleanupCoordinator::archiveLocalFiles(Run& run) {
 Task<> CleanupCoordinator::removeWorktree(Run& run) {
     RemovalSteps steps(git_, preflight_, run.plan);
     run.tell(CleanupStage::removingWorktree);
-    co_await steps.assertUnchangedExceptPreservation();
-    co_await lookOnceMore(run);
+    std::vector<std::string> untracked = co_await steps.assertUnchangedExceptPreservation();
+    co_await lookOnceMore(run, std::move(untracked));
     co_await steps.remove();
     run.tell(CleanupStage::verifyingDeletion);
     co_await steps.verify();
 }
 
-Task<> CleanupCoordinator::lookOnceMore(Run& run) {
+Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untracked) {
     const Worktree& reviewed = run.plan.worktree;
     const LastLookQuestion question{reviewed,
                                     run.plan.requiresPreservation()
                                         ? ExpectedHead::preserved(run.reached.preservedCommitSHA)
                                         : ExpectedHead::reviewed(reviewed),
                                     run.archived,
-                                    {supportDirectory_}};
+                                    {supportDirectory_},
+                                    std::move(untracked)};
     const auto look = [&] { return lookBeforeRemoval(question, volumes_); };
     const std::optional<CairnfieldError> objection = co_await runOn(blocking_, look);
     if (objection) throw CairnfieldError(*objection);

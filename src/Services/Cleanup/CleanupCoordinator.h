@@ -72,7 +72,7 @@ private:
     Task<> openPullRequest(Run& run, std::string base);
     Task<> archiveLocalFiles(Run& run);
     Task<> removeWorktree(Run& run);
-    Task<> lookOnceMore(Run& run);
+    Task<> lookOnceMore(Run& run, std::vector<std::string> untracked);
 
     Executor& blocking_;
     const VolumeInformation& volumes_;

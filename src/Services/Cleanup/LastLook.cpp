@@ -1,11 +1,11 @@
 #include "Services/Cleanup/LastLook.h"
 
+#include "Services/Cleanup/AccountedFiles.h"
 #include "Services/Cleanup/ArchivedCopies.h"
 #include "Services/Cleanup/HiddenFiles.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
 #include "Services/Git/GitWorktreeInspector.h"
-#include "Services/Git/IgnoredFileClassifier.h"
 #include "Services/Git/WorktreeGitFiles.h"
 #include "Shared/Paths/PathContainment.h"
 
@@ -21,15 +21,11 @@ namespace {
 
 using Objection = std::optional<std::string>;
 using Entries = std::vector<GitIndexEntry>;
-using Names = std::unordered_set<std::string>;
+using Paths = std::unordered_set<std::string>;
 
 constexpr const char* movedHead = "Its HEAD is not where it was left.";
 constexpr const char* unreadableHead = "Its HEAD could not be read.";
 constexpr const char* unreadableIndex = "Its index could not be understood.";
-
-std::string firstComponent(const std::string& path) {
-    return path.substr(0, path.find('/'));
-}
 
 Objection objectionToHead(const ExpectedHead& expected, const WorktreeGitFiles& files) {
     if (expected.form == ExpectedHead::Form::anywhere) return std::nullopt;
@@ -90,28 +86,12 @@ Objection objectionToHiddenFiles(const FilePath& worktree, const Entries& entrie
     return std::nullopt;
 }
 
-Objection objectionToUnseenChanges(const FilePath& worktree, const Entries& entries, const Names& touched,
+Objection objectionToUnseenChanges(const FilePath& worktree, const Entries& entries, const Paths& touched,
                                    const timespec& indexModified) {
     if (touched.empty()) return std::nullopt;
     for (const GitIndexEntry& entry : entries) {
         if (touched.contains(entry.path) && changedUnseen(worktree, entry, indexModified))
             return FilePath(entry.path).display() + " differs from what Git holds, and Git does not see it.";
-    }
-    return std::nullopt;
-}
-
-/// What lies under the root and is neither tracked nor was there, ignored or untracked, at review. That it
-/// is ignored need not be known: anything else git refuses by itself.
-Objection objectionToNewSecrets(const Worktree& reviewed, const Entries& entries,
-                                const std::vector<std::string>& topLevelNames) {
-    Names known{".git"};
-    for (const GitIndexEntry& entry : entries) known.insert(firstComponent(entry.path));
-    for (const IgnoredEntry& entry : reviewed.ignoredEntries) known.insert(firstComponent(entry.name));
-    for (const std::string& path : reviewed.status.untrackedPaths) known.insert(firstComponent(path));
-    for (const std::string& name : topLevelNames) {
-        const bool isSensitive = IgnoredFileClassifier::classify(name) == IgnoredEntryClass::sensitive;
-        if (isSensitive && !known.contains(name))
-            return FilePath(name).display() + " looks sensitive and appeared after the review.";
     }
     return std::nullopt;
 }
@@ -144,13 +124,15 @@ Objection objectionTo(const LastLookQuestion& question, const VolumeInformation&
     const timespec indexModified = whenIndexWasWritten(*files);
     objection = objectionToHiddenFiles(reviewed.path, *entries, indexModified);
     if (objection) return objection;
-    const TreeLook tree = lookAtTree(treeQuestion(reviewed.path, *entries, indexModified));
+    AccountedFiles accounted(reviewed, *entries, question.untracked);
+    TreeLookQuestion wholeTree = treeQuestion(reviewed.path, *entries, indexModified);
+    wholeTree.accounted = &accounted;
+    const TreeLook tree = lookAtTree(wholeTree);
     if (tree.objection) return tree.objection;
     objection =
         objectionToUnseenChanges(reviewed.path, *entries, tree.changedInTheSecondOfTheIndex, indexModified);
     if (objection) return objection;
-    objection = objectionToNewSecrets(reviewed, *entries, tree.topLevelNames);
-    if (objection) return objection;
+    if (tree.unaccounted) return tree.unaccounted;
     return objectionToCopies(question.archived);
 }
 

@@ -41,6 +41,8 @@ struct LastLookQuestion {
     ExpectedHead head;
     std::vector<RecoveryVaultEntry> archived;  ///< copies made for this cleanup
     std::vector<FilePath> mustStay;            ///< of ours: the folder of the vault and the stores
+    /// The paths that git reports as untracked by now. It removes no worktree that holds one.
+    std::vector<std::string> untracked;
 };
 
 /// Why the worktree must not be removed now; absent when nothing speaks against it.

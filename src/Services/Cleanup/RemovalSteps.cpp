@@ -30,7 +30,7 @@ Task<std::optional<GitWorktreeEntry>> RemovalSteps::entry() {
     co_return PreflightJudgement::entryOf(plan_.worktree, entries);
 }
 
-Task<> RemovalSteps::assertUnchangedExceptPreservation() {
+Task<std::vector<std::string>> RemovalSteps::assertUnchangedExceptPreservation() {
     const std::string& path = plan_.worktree.path.bytes();
     const std::optional<GitWorktreeEntry> present = co_await entry();
     if (!present) throw CairnfieldError(CairnfieldError::PathMissing{path});
@@ -40,7 +40,7 @@ Task<> RemovalSteps::assertUnchangedExceptPreservation() {
 
     const GitArguments question{"status", "--porcelain=v2", "-z", "--untracked-files=all", "--ignored=no"};
     const CommandResult result = co_await git_.runChecked(question, plan_.worktree.path, statusLimit);
-    const GitStatusSummary status = GitPorcelainParser::parseStatus(result.standardOutput);
+    GitStatusSummary status = GitPorcelainParser::parseStatus(result.standardOutput);
     const Paths current = together(status.changedPaths, status.untrackedPaths);
     const Paths reviewed = together(plan_.trackedPathsToCommit, plan_.untrackedPathsToCommit);
     const auto uncommitted = std::ranges::count_if(
@@ -49,6 +49,7 @@ Task<> RemovalSteps::assertUnchangedExceptPreservation() {
         throw CairnfieldError(CairnfieldError::CommandFailed{
             "git status", 0, std::to_string(uncommitted) + " reviewed file(s) are still uncommitted."});
     }
+    co_return std::move(status.untrackedPaths);
 }
 
 Task<> RemovalSteps::remove() {

@@ -15,8 +15,8 @@ public:
         : git_(std::move(git)), preflight_(preflight), plan_(plan) {}
 
     /// The worktree is still listed, free, and none of the plan's paths waits for a commit. Other changes are
-    /// left to git, which refuses to remove them.
-    [[nodiscard]] Task<> assertUnchangedExceptPreservation();
+    /// left to git, which refuses to remove them. Gives the paths that git reports as untracked.
+    [[nodiscard]] Task<std::vector<std::string>> assertUnchangedExceptPreservation();
     [[nodiscard]] Task<> remove();
     [[nodiscard]] Task<> verify();
 

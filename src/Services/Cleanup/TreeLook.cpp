@@ -105,7 +105,6 @@ private:
         while (const dirent* entry = readdir(directory.get())) {
             const std::string_view entryName = entry->d_name;
             if (entryName == "." || entryName == "..") continue;
-            if (relative.empty()) look_.topLevelNames.emplace_back(entryName);
             names.add(entryName);
             visit(descriptor, entry->d_name, relative, folder);
             if (look_.objection) return;
@@ -135,9 +134,16 @@ private:
         if (isDirectory || !isOnSameFileSystem(*facts, root_) || isProtected(*facts) ||
             keepsFor(folderFacts, *facts) || std::string_view(name) == ".git") {
             visitUnusual(folder, name, inside(relative, name), *facts, folderFacts);
-        } else if (changedInTheSecondOfTheIndex(*facts)) {
-            look_.changedInTheSecondOfTheIndex.insert(inside(relative, name));
+            return;
         }
+        lookAtFile(inside(relative, name), *facts);
+    }
+
+    void lookAtFile(const std::string& path, const Facts& facts) {
+        if (changedInTheSecondOfTheIndex(facts)) look_.changedInTheSecondOfTheIndex.insert(path);
+        const bool hasContent = S_ISREG(facts.stx_mode) || S_ISLNK(facts.stx_mode);
+        if (question_.accounted && hasContent && !isCovered_ && !look_.unaccounted)
+            look_.unaccounted = question_.accounted->refusalOf(path);
     }
 
     [[nodiscard]] bool changedInTheSecondOfTheIndex(const Facts& facts) const {
@@ -145,7 +151,7 @@ private:
                facts.stx_ctime.tv_nsec > question_.indexModified.tv_nsec;
     }
 
-    /// Everything but the many plain files, whose paths need not even be put together.
+    /// Everything but the many plain files.
     void visitUnusual(int folder, const char* name, const std::string& path, const Facts& facts,
                       const Facts& folderFacts) {
         if (!isOnSameFileSystem(facts, root_))
@@ -156,7 +162,10 @@ private:
             return object("Another repository lies inside it: " + shown(path) + ".");
         if (!isFolder(facts)) return;
         if (question_.submodules.contains(path)) return lookAtSubmodule(folder, name, path);
+        const bool wasCovered = isCovered_;
+        isCovered_ = wasCovered || (question_.accounted && question_.accounted->coversDirectory(path));
         enter(folder, name, path, facts);
+        isCovered_ = wasCovered;
     }
 
     /// One that is populated in the usual way is left to git, which removes no worktree with such a one.
@@ -181,6 +190,7 @@ private:
     const TreeLookQuestion& question_;
     TreeLook look_;
     Facts root_{};
+    bool isCovered_ = false;  ///< the directory that the walk is in, by the review
 };
 
 }  // namespace

@@ -1,7 +1,10 @@
 #pragma once
 // The stage of the cleanups' tests, for the last look alone.
 
+#include "Services/Git/GitPorcelainParser.h"
 #include "integration/Services/Cleanup/CleanupStage.h"
+
+#include <filesystem>
 
 namespace cairnfield {
 
@@ -9,7 +12,8 @@ class LastLook : public Cleanup {
 protected:
     /// The objection's own words, without those of the error; empty when there is none.
     std::string look(const Worktree& reviewed, std::vector<FilePath> ours = {}) {
-        const LastLookQuestion question{reviewed, ExpectedHead::reviewed(reviewed), {}, std::move(ours)};
+        const LastLookQuestion question{
+            reviewed, ExpectedHead::reviewed(reviewed), {}, std::move(ours), untrackedIn(reviewed)};
         const std::optional<CairnfieldError> objection = lookBeforeRemoval(question, mounts);
         if (!objection) return {};
         const auto* refusal = objection->as<CairnfieldError::WorktreeRemovalFailed>();
@@ -17,6 +21,16 @@ protected:
         return refusal ? refusal->message : "another case: " + objection->errorDescription();
     }
     std::string look() { return look(review()); }
+
+    /// What git reports by now; nothing where it cannot be asked. Leaves the index as it is.
+    static std::vector<std::string> untrackedIn(const Worktree& worktree) {
+        const GitRepository present = GitRepository::at(worktree.path);
+        if (!std::filesystem::exists(worktree.path.bytes())) return {};
+        if (!present.tryGit({"rev-parse", "--git-dir"})) return {};
+        const std::string list = present.git({"ls-files", "--others", "--exclude-standard", "-z"});
+        const std::vector<std::string_view> paths = GitPorcelainParser::splitNulTerminated(list);
+        return {paths.begin(), paths.end()};
+    }
 
     /// What the last look is for: git itself sees nothing wrong.
     bool gitWouldRemove() const { return project.tryGit({"worktree", "remove", feature.path().bytes()}); }

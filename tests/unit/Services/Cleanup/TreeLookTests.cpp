@@ -5,7 +5,6 @@
 #include "support/TemporaryDirectory.h"
 #include "support/UnprivilegedUser.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
@@ -16,8 +15,6 @@ namespace cairnfield {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 
 /// A tree that belongs to the user without rights, as that user sees it.
 class TreeOfAUserWithoutRights : public testing::Test {
@@ -81,15 +78,6 @@ TEST(TreeLook, RefusesAnotherFileSystemInside) {
     const std::optional<std::string> seen = onSmallDisk(1 << 20, look);
     if (!seen) GTEST_SKIP() << "nothing may be mounted here";
     EXPECT_EQ(*seen, "Another file system begins inside it: inner.");
-}
-
-TEST(TreeLook, NamesWhatLiesDirectlyUnderTheRoot) {
-    const TemporaryDirectory home;
-    home.write("tree/a/b/c.txt");
-    home.write("tree/.git", "gitdir: /somewhere\n");
-    const TreeLook look = lookAtTree({home.path().appending("tree"), {}, {}});
-    EXPECT_EQ(look.objection, std::nullopt);
-    EXPECT_THAT(look.topLevelNames, UnorderedElementsAre("a", ".git"));
 }
 
 TEST(PlaceOfARemote, IsAPathOnThisDiskOrNothing) {

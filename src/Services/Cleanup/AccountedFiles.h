@@ -1,0 +1,52 @@
+#pragma once
+// The one rule by which no file leaves unseen: every file of a worktree is tracked, is one that git itself
+// refuses to remove, was ignored when the person reviewed the worktree, or is rebuildable output. Whatever
+// keeps git from reporting a file, such as a setting made for another disk or a pattern added since, the file
+// is then refused by name. A file is a regular file or a link; what has no content is not asked about.
+//
+// For the last look alone. One thread; keeps references, so that all it was made from has to outlive it.
+// Asks git nothing. Throws std::system_error when two names cannot be compared on disk.
+
+#include "Models/Worktree.h"
+#include "Services/Cleanup/GitIndexFile.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace cairnfield {
+
+class AccountedFiles {
+public:
+    /// `untracked` are the paths that git reports as untracked by now: it removes no worktree that holds one.
+    AccountedFiles(const Worktree& reviewed, const std::vector<GitIndexEntry>& index,
+                   const std::vector<std::string>& untracked);
+
+    /// Whether all below that directory was part of the review as one ignored directory, with whatever comes
+    /// to it later. A path goes by its bytes, relative to the worktree. Only a path that git itself listed
+    /// counts, not the first component of one, by which the review's list of ignored entries goes.
+    [[nodiscard]] bool coversDirectory(const std::string& path) const;
+
+    /// Why that file, outside of such directories, must not go; absent when it is accounted for.
+    [[nodiscard]] std::optional<std::string> refusalOf(const std::string& path);
+
+private:
+    using Paths = std::unordered_set<std::string_view>;
+    /// git folds the case of ASCII letters alone.
+    using Names = std::unordered_multimap<std::string, std::string_view>;
+
+    /// Of the tracked paths. Made when the first file asks for it, which is rare.
+    [[nodiscard]] const Names& namesByFoldedCase();
+
+    const Worktree& reviewed_;
+    Paths tracked_;
+    Paths untracked_;
+    Paths reviewedUntracked_;
+    Paths ignored_;  ///< at the review; directories end in "/"
+    std::optional<Names> namesByFoldedCase_;
+};
+
+}  // namespace cairnfield
