@@ -3,7 +3,6 @@
 #include "Shared/Concurrency/LeafWait.h"
 
 #include <cassert>
-#include <vector>
 
 namespace cairnfield {
 
@@ -84,6 +83,13 @@ std::optional<SteppedClock::Duration> SteppedClock::nextWakeIn() const {
     const std::lock_guard lock(mutex_);
     if (sleeps_.empty()) return std::nullopt;
     return sleeps_.begin()->first - now_;
+}
+
+std::vector<SteppedClock::Duration> SteppedClock::wakesIn() const {
+    const std::lock_guard lock(mutex_);
+    std::vector<Duration> durations;
+    for (const auto& [instant, sleep] : sleeps_) durations.push_back(instant - now_);
+    return durations;
 }
 
 void SteppedClock::waitForSleepers(std::size_t count) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace cairnfield {
 
@@ -30,6 +31,8 @@ public:
     [[nodiscard]] std::size_t sleepers() const;
     /// How long the first sleeper still has; none when nobody sleeps.
     [[nodiscard]] std::optional<Duration> nextWakeIn() const;
+    /// How long each sleeper still has, the first to wake first.
+    [[nodiscard]] std::vector<Duration> wakesIn() const;
     /// Blocks until at least so many are asleep. Not on a thread that they need in order to get there.
     void waitForSleepers(std::size_t count);
 

@@ -1,10 +1,10 @@
 // What the model does with watched folders: adding, removing, scanning one and scanning all.
 
 #include "Shared/Concurrency/TaskHandle.h"
-#include "Shared/Concurrency/WhenAll.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "support/App/AppHarness.h"
 #include "support/CountingMeasurer.h"
+#include "support/FakeTreeMeasurer.h"
 
 #include <gtest/gtest.h>
 
@@ -87,11 +87,24 @@ TEST_F(Folders, UnreadableItemsAreCountedAndTheSizeStillCounts) {
     EXPECT_EQ(only().lastScanError, std::nullopt);
 }
 
-TEST_F(Folders, ASecondScanOfAFolderUnderScanReturnsAtOnce) {
-    add(projects);
-    auto both = tasks(app.model->scan(only(), true), app.model->scan(only(), true));
-    app.run(whenAll(std::move(both)));
-    EXPECT_EQ(measurer.walks, 2);  // one for adding, one for the two
+TEST(FolderUnderScan, IsNotScannedASecondTime) {
+    SettableWallClock clock{std::chrono::system_clock::now()};
+    FakeTreeMeasurer walks{clock};
+    AppHarness app{{.treeMeasurer = &walks}};
+    const FilePath projects = app.home.makeDirectory("projects");
+    walks.finish(projects, 1000);
+    app.run(app.model->addWatchedFolder(projects));
+    const WatchedFolder folder = app.model->state().watchedFolders.get().at(0);
+
+    const TaskHandle<> first = spawn(app.loop, app.model->scan(folder, true));
+    app.waitUntil([&] { return walks.running() == 1; });
+    const TaskHandle<> second = spawn(app.loop, app.model->scan(folder, true));
+    app.waitUntil([&] { return second.done() || walks.running() == 2; });
+    EXPECT_TRUE(second.done());
+    EXPECT_EQ(walks.started().size(), 2U) << "one for adding and one for the first scan";
+    walks.finish(projects, 2000);
+    walks.finish(projects, 2000);
+    app.waitUntil([&] { return first.done() && second.done(); });
 }
 
 TEST_F(Folders, AFolderIsMarkedWhileItIsScanned) {

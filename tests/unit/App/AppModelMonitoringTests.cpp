@@ -8,6 +8,10 @@
 namespace cairnfield {
 namespace {
 
+using Durations = std::vector<SteppedClock::Duration>;
+using std::chrono::hours;
+using std::chrono::seconds;
+
 struct Monitoring : testing::Test {
     /// Long ago, so that no cache entry is ever fresh.
     SettableWallClock measurerClock{Date{}};
@@ -39,25 +43,31 @@ TEST_F(Monitoring, TwoQuickStartsMakeTheLoopsOnce) {
     EXPECT_EQ(app.continuousClock.sleepers(), 2U);
 }
 
-TEST_F(Monitoring, ScansEveryReconciliationInterval) {
+TEST_F(Monitoring, SleepsFiveMinutesBetweenReadingsAndTheIntervalBetweenScans) {
     app.model->startMonitoring();
     waitForSleepers(2);
-    app.continuousClock.advance(std::chrono::hours(6) - std::chrono::minutes(1));
-    EXPECT_EQ(measurer.walks, 0);
-    app.continuousClock.advance(std::chrono::minutes(1));
+    EXPECT_EQ(app.continuousClock.wakesIn(), (Durations{seconds(300), hours(6)}));
+    app.continuousClock.advance(seconds(300));
+    app.waitUntil([&] { return app.model->state().storage.get() && app.continuousClock.sleepers() == 2; });
+    EXPECT_EQ(app.continuousClock.wakesIn(), (Durations{seconds(300), hours(6) - seconds(300)}));
+}
+
+TEST_F(Monitoring, ScansWhenTheReconciliationIntervalIsOver) {
+    app.model->startMonitoring();
+    waitForSleepers(2);
+    app.continuousClock.advance(hours(6));
     app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
     EXPECT_EQ(measurer.walks, 1);
 }
 
 TEST_F(Monitoring, AnIntervalBelowOneHourIsOneHour) {
-    for (const std::int64_t hours : {0, -5}) {
-        app.settings.reconcileIntervalHours.set(hours);
+    for (const std::int64_t interval : {0, -5}) {
+        app.settings.reconcileIntervalHours.set(interval);
         measurer.walks = 0;
         app.model->startMonitoring();
         waitForSleepers(2);
-        app.continuousClock.advance(std::chrono::minutes(59));
-        EXPECT_EQ(measurer.walks, 0);
-        app.continuousClock.advance(std::chrono::minutes(1));
+        EXPECT_EQ(app.continuousClock.wakesIn(), (Durations{seconds(300), hours(1)}));
+        app.continuousClock.advance(hours(1));
         app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
         app.model->pauseMonitoring();
         waitForSleepers(0);
@@ -68,11 +78,11 @@ TEST_F(Monitoring, AChangedIntervalTakesEffectAtTheNextTurn) {
     app.model->startMonitoring();
     waitForSleepers(2);
     app.settings.reconcileIntervalHours.set(1);
-    app.continuousClock.advance(std::chrono::hours(5));
-    EXPECT_EQ(measurer.walks, 0);
-    app.continuousClock.advance(std::chrono::hours(1));
+    EXPECT_EQ(app.continuousClock.wakesIn().back(), hours(6));
+    app.continuousClock.advance(hours(6));
     app.waitUntil([&] { return measurer.walks == 1 && app.continuousClock.sleepers() == 2; });
-    app.continuousClock.advance(std::chrono::hours(1));
+    EXPECT_EQ(app.continuousClock.wakesIn().back(), hours(1));
+    app.continuousClock.advance(hours(1));
     app.waitUntil([&] { return measurer.walks == 2 && app.continuousClock.sleepers() == 2; });
     EXPECT_EQ(measurer.walks, 2);
 }

@@ -18,6 +18,7 @@ struct Watching : testing::Test {
     AppHarness app{{.treeMeasurer = &measurer}};
     FilePath projects = app.home.makeDirectory("projects");
     FilePath sibling = app.home.makeDirectory("projects-old");
+    FilePath last = app.home.path().appending("last");
 
     const AppState& state() const { return app.model->state(); }
     void waitForStreams(std::size_t count) {
@@ -40,10 +41,22 @@ struct Watching : testing::Test {
         app.waitUntil([&] { return app.continuousClock.sleepers() == 3; });
         app.continuousClock.advance(std::chrono::seconds(10));
     }
-    /// Lets everything that a batch set off run to its end.
-    void settle() {
+    /// Watches one more folder behind those that are watched. It was never scanned, so it is always due.
+    void watchLast() {
+        app.run(app.model->addWatchedFolder(last));
+        std::filesystem::create_directory(last.bytes());
+        app.waitUntil([&] { return app.fileEventStreams.roots().size() == state().watchedFolders.get().size(); });
+        measurer.walks = 0;
+    }
+    /// A batch that also touches the last folder. Folders are looked at in their order, so when that one has
+    /// been scanned, all others have been scanned or passed over.
+    int walksAfterAChangeOf(const FilePath& path) {
         app.waitUntil([&] { return app.continuousClock.sleepers() == 2; });
-        app.run(app.model->scanAllFolders(false));
+        app.fileEventStreams.report({path, last.appending("file")});
+        app.waitUntil([&] { return app.continuousClock.sleepers() == 3; });
+        app.continuousClock.advance(std::chrono::seconds(10));
+        app.waitUntil([&] { return state().watchedFolders.get().back().lastScanAt.has_value(); });
+        return measurer.walks - 1;
     }
 };
 
@@ -108,17 +121,15 @@ TEST_F(Watching, AChangeRescansTheFolderOnceTheIntervalIsOver) {
 
 TEST_F(Watching, WithinTheIntervalOnlyTheCacheEntryGoes) {
     watch(projects);
+    watchLast();
     app.wallClock.advance(std::chrono::minutes(app.settings.rescanIntervalMinutes.get()) -
                           std::chrono::seconds(1));
-    const std::optional<Date> scanned = state().watchedFolders.get().at(0).lastScanAt;
     app.run(app.model->directorySize(projects, true));
     EXPECT_EQ(measurer.walks, 0) << "the cache should still have known the size";
-    change(projects);
-    app.waitUntil([&] {
-        app.run(app.model->directorySize(projects, true));
-        return measurer.walks == 1;
-    });
-    EXPECT_EQ(state().watchedFolders.get().at(0).lastScanAt, scanned);
+    EXPECT_EQ(walksAfterAChangeOf(projects), 0);
+    measurer.walks = 0;
+    app.run(app.model->directorySize(projects, true));
+    EXPECT_EQ(measurer.walks, 1);
 }
 
 TEST_F(Watching, AnIntervalOfZeroAlwaysRescans) {
@@ -137,23 +148,31 @@ TEST_F(Watching, AChangeInASiblingThatIsNamedAlikeCounts) {
     app.waitUntil([&] { return measurer.walks == 1; });
 }
 
-TEST_F(Watching, AChangeElsewhereDoesNot) {
+TEST_F(Watching, AChangeElsewhereOrAboveTheFolderDoesNot) {
     watch(projects);
+    watchLast();
     app.settings.rescanIntervalMinutes.set(0);
-    change(app.home.path());
-    settle();
-    EXPECT_EQ(measurer.walks, 0);
+    EXPECT_EQ(walksAfterAChangeOf(app.home.path()), 0);
 }
 
-TEST_F(Watching, ASnoozedOrDisabledFolderIsLeftAlone) {
+TEST_F(Watching, ASnoozedFolderIsLeftAlone) {
     watch(projects);
+    watchLast();
     app.settings.rescanIntervalMinutes.set(0);
     WatchedFolder folder = state().watchedFolders.get().at(0);
     folder.snoozedUntil = app.wallClock.now() + std::chrono::hours(1);
     app.run(app.model->updateWatchedFolder(folder));
-    change(projects);
-    settle();
-    EXPECT_EQ(measurer.walks, 0);
+    EXPECT_EQ(walksAfterAChangeOf(projects), 0);
+}
+
+TEST_F(Watching, ADisabledFolderIsLeftAlone) {
+    watch(projects);
+    watchLast();
+    app.settings.rescanIntervalMinutes.set(0);
+    WatchedFolder folder = state().watchedFolders.get().at(0);
+    folder.isEnabled = false;
+    app.run(app.model->updateWatchedFolder(folder));
+    EXPECT_EQ(walksAfterAChangeOf(projects), 0);
 }
 
 TEST_F(Watching, AFolderWhoseScansFailedIsScannedAtTheFirstEvent) {
@@ -170,17 +189,15 @@ TEST_F(Watching, AFolderWhoseScansFailedIsScannedAtTheFirstEvent) {
 
 TEST_F(Watching, ABatchIsLookedAtTenSecondsAfterItsFirstEventAndScansAFolderOnce) {
     watch(projects);
+    watchLast();
     app.settings.rescanIntervalMinutes.set(0);
     app.waitUntil([&] { return app.continuousClock.sleepers() == 2; });
-    app.fileEventStreams.report({projects.appending("a"), projects.appending("b")});
+    app.fileEventStreams.report({projects.appending("a"), projects.appending("b"), last.appending("c")});
     app.waitUntil([&] { return app.continuousClock.sleepers() == 3; });
-    app.continuousClock.advance(std::chrono::seconds(9));
-    app.run(app.model->refreshIntegrations());
-    EXPECT_EQ(measurer.walks, 0);
-    app.continuousClock.advance(std::chrono::seconds(1));
-    app.waitUntil([&] { return measurer.walks == 1; });
-    settle();
-    EXPECT_EQ(measurer.walks, 1);
+    EXPECT_EQ(app.continuousClock.nextWakeIn(), std::chrono::seconds(10));
+    app.continuousClock.advance(std::chrono::seconds(10));
+    app.waitUntil([&] { return state().watchedFolders.get().back().lastScanAt.has_value(); });
+    EXPECT_EQ(measurer.walks, 2) << "one for each of the two folders";
 }
 
 TEST_F(Watching, EndsWithTheProgramEvenWithABatchWaiting) {

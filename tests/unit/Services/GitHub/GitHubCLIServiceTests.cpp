@@ -117,6 +117,17 @@ TEST_F(GitHubCLIServiceTest, NamesTheHostUnlessItIsThePublicOne) {
         EXPECT_FALSE(asked.environment.contains("GH_HOST"));
 }
 
+TEST_F(GitHubCLIServiceTest, LeavesThePersonsHostAloneForThePublicOneAndForNone) {
+    const ScopedEnvironment host("GH_HOST", "from.the.person");
+    runner.results["pr list"] = {0, openOne, ""};
+    (void)find(publicHost);
+    (void)find("GitHub.com");
+    (void)find();
+    ASSERT_THAT(runner.invocations, SizeIs(3));
+    for (const CommandInvocation& asked : runner.invocations)
+        EXPECT_EQ(asked.environment.at("GH_HOST"), "from.the.person");
+}
+
 TEST_F(GitHubCLIServiceTest, ReportsWhatItFound) {
     runner.results["--version"] = {0, "gh version 2.60.1 (2024-10-25)\nhttps://example.org\n", ""};
     runner.results["auth status"] = {1, "Logged in to github.com account robin (keyring)\n",
