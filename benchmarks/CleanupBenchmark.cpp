@@ -16,7 +16,6 @@
 #include "Services/Git/GitWorktreeInspector.h"
 #include "Services/GitHub/GitHubServicing.h"
 #include "Services/Process/ExecutableLocator.h"
-#include "Services/Process/SafeEnvironment.h"
 #include "Services/Process/SystemProcessRunner.h"
 #include "Shared/Concurrency/Reactor.h"
 #include "Shared/Concurrency/RunBlocking.h"
@@ -177,7 +176,6 @@ BENCHMARK(cleanupBesideBareLoop)
     ->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-    cairnfield::makeOwnEnvironmentSafe();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

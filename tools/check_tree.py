@@ -10,6 +10,7 @@ Prints one line for each breach, "file:line: what is wrong", and exits with 1 wh
   of its name count as one file.
 - Qt stays in the folders of QT_FOLDERS.
 - Sizes: no file is longer than its kind's limit in LINE_LIMITS.
+- Environment: only ENVIRONMENT_READER reads the variables of the process, and nothing in src/ changes them.
 - QML: colours, sizes and durations come from Theme; text that comes from outside cannot be taken for markup.
 - No path of one particular machine stands in any file.
 """
@@ -25,6 +26,11 @@ LINE_LIMITS = {".h": 200, ".cpp": 500, ".qml": 250, ".py": 400, ".sh": 300}
 TEST_LINE_LIMIT = 500
 SKIPPED_FOLDERS = {".git", ".cache", "build", "__pycache__"}
 
+ENVIRONMENT_READER = "Shared/Environment/Environment.cpp"
+ENVIRONMENT_CALL = re.compile(
+    r"\b(?:q?putenv|setenv|q?unsetenv|clearenv|getenv|secure_getenv|qgetenv|qEnvironmentVariable\w*|QProcessEnvironment"
+    r"|environ|__environ)\b"
+)
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 MACHINE_PATH = re.compile(r"(?<![\w.}~])/(?:work|root)/|/tmp/bash[_]jobs")
 TEXT_SUFFIXES = {".h", ".cpp", ".qml", ".py", ".sh", ".md", ".txt", ".cmake", ".json", ".xml", ".desktop", ".svg", ".in", ""}
@@ -87,6 +93,7 @@ class Check:
             self.check_machine_paths(file, lines)
             if source in file.parents and file.suffix in (".h", ".cpp"):
                 self.check_includes(file, file.relative_to(source))
+                self.check_environment(file, lines)
             if file.suffix == ".qml" and source in file.parents and file.name != "Theme.qml":
                 self.check_qml(file, lines)
         self.check_circles(self.file_graph, "files")
@@ -105,6 +112,13 @@ class Check:
         for number, line in enumerate(lines, 1):
             if MACHINE_PATH.search(line):
                 self.report(file, number, "names a path of one particular machine")
+
+    def check_environment(self, file, lines):
+        if file.relative_to(self.root / "src").as_posix() == ENVIRONMENT_READER:
+            return
+        for number, line in enumerate(lines, 1):
+            if ENVIRONMENT_CALL.search(line.split("//")[0]):
+                self.report(file, number, f"the environment is read once, in src/{ENVIRONMENT_READER}, and never changed")
 
     def check_includes(self, file, place):
         here = floor_of(place.parts[0])

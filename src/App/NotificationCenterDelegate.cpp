@@ -68,7 +68,9 @@ void NotificationCenterDelegate::activateApp() {
 }
 
 void NotificationCenterDelegate::reveal(const std::string& path) {
-    if (const auto problem = workspace_.reveal(FilePath(path))) Log::notifications().error("{}", *problem);
+    workspace_.reveal(FilePath(path), [](const std::optional<std::string>& problem) {
+        if (problem) Log::notifications().error("{}", *problem);
+    });
 }
 
 }  // namespace cairnfield

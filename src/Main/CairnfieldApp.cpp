@@ -1,6 +1,5 @@
 #include "Main/CairnfieldApp.h"
 
-#include "Main/ActivationToken.h"
 #include "Shared/Concurrency/Cancelled.h"
 #include "Shared/Logging/Log.h"
 
@@ -81,12 +80,7 @@ void CairnfieldApp::connectWindows() {
         screens_.root.showThatQuitWaits();
         window_.bringForward();
     });
-    instance_.onActivate([this](const std::string& token) { showWindow(token); });
-}
-
-void CairnfieldApp::showWindow(const std::string& activationToken) {
-    useActivationToken(activationToken);
-    window_.bringForward();
+    instance_.onActivate([this](const std::string& /*token*/) { window_.bringForward(); });
 }
 
 int CairnfieldApp::run(Launch launch) {

@@ -34,7 +34,6 @@ public:
 
 private:
     void connectWindows();
-    void showWindow(const std::string& activationToken);
     Task<> end(QEventLoop& loop);
 
     SingleInstance& instance_;

@@ -1,10 +1,12 @@
 #include "Main/Desktop.h"
 
-#include "Main/ActivationToken.h"
 #include "Shared/Components/SymbolTable.h"
+#include "Shared/Environment/Environment.h"
 
 #include <QFile>
 #include <QIcon>
+
+#include <utility>
 
 namespace cairnfield {
 
@@ -29,11 +31,12 @@ QImage programPicture() {
 
 Desktop::Desktop(const QDBusConnection& bus, Machine& machine, const BaseDirectories& directories)
     : appearance(bus),
-      workspace(bus, LinuxWorkspace::standardPlaces()),
+      workspace(bus, LinuxWorkspace::standardPlaces(), environmentAtStart()),
       statusItem(bus, symbolPicture),
       notificationCenter(bus, machine.continuousClock, machine.mainThread, programPicture()),
       autostart(directories.configHome, runningProgram()) {
-    notificationCenter.onActivationToken(useActivationToken);
+    notificationCenter.onActivationToken(
+        [this](std::string token) { workspace.useActivationToken(std::move(token)); });
 }
 
 }  // namespace cairnfield

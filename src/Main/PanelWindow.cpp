@@ -1,6 +1,5 @@
 #include "Main/PanelWindow.h"
 
-#include "Main/ActivationToken.h"
 #include "Main/PanelPlacement.h"
 #include "Shared/Logging/Log.h"
 
@@ -37,7 +36,6 @@ void PanelWindow::toggle(const StatusItemActivation& activation) {
     const auto lostFocusAt = std::exchange(lostFocusAt_, std::nullopt);
     if (window_) return close();
     if (lostFocusAt && Clock::now() - *lostFocusAt < samePress) return;
-    useActivationToken(activation.activationToken);
     place_ = activation.place;
     open();
 }
@@ -61,7 +59,8 @@ void PanelWindow::create() {
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
     QVariantMap properties = content_;
     // Behind a window without a compositor there is nothing but black. On Wayland there always is one.
-    properties.insert(QStringLiteral("hasRoundCorners"), isOnWayland());
+    properties.insert(QStringLiteral("hasRoundCorners"),
+                      QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
     engine_->setInitialProperties(properties);
     connect(engine_.get(), &QQmlEngine::quit, this, &PanelWindow::quitRequested);
     engine_->load(QUrl(QStringLiteral("qrc:/qt/qml/Cairnfield/MenuBar/MenuBarPanel.qml")));

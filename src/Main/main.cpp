@@ -6,7 +6,8 @@
 #include "Main/TerminationSignals.h"
 #include "Platform/Linux/DescriptorLimit.h"
 #include "Platform/Linux/Desktop/BusSingleInstance.h"
-#include "Services/Process/SafeEnvironment.h"
+#include "Platform/Linux/ProcessSignals.h"
+#include "Shared/Environment/Environment.h"
 #include "Shared/Logging/Log.h"
 
 #include <QDBusConnection>
@@ -15,7 +16,6 @@
 #include <QQuickStyle>
 #include <QtQml/QQmlExtensionPlugin>
 
-#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <fcntl.h>
@@ -74,11 +74,11 @@ int runApplication(const std::string& activationToken) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    cairnfield::makeOwnEnvironmentSafe();
-    std::signal(SIGPIPE, SIG_IGN);
+    const cairnfield::Environment& environment = cairnfield::environmentAtStart();
+    cairnfield::settleSignals();
     cairnfield::raiseDescriptorLimit();
     readFromNothing();
-    const std::string activationToken = cairnfield::activationTokenOfStart();
+    const std::string activationToken = cairnfield::activationTokenIn(environment);
     try {
         cairnfield::TerminationSignals terminationSignals;
         QGuiApplication application(argc, argv);

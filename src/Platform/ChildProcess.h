@@ -4,17 +4,15 @@
 
 #include "Shared/Concurrency/ContinuousClock.h"
 #include "Shared/Concurrency/Task.h"
+#include "Shared/Environment/Environment.h"
 #include "Shared/Paths/FilePath.h"
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace cairnfield {
-
-using Environment = std::map<std::string, std::string>;
 
 struct ChildProcessDescription {
     FilePath executable;                       ///< absolute; no search takes place

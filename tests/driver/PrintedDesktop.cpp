@@ -44,9 +44,9 @@ void PrintedNotificationCenter::onResponse(std::function<void(NotificationRespon
     observer_ = std::move(observer);
 }
 
-std::optional<std::string> PrintedWorkspace::revealAll(const std::vector<FilePath>& items) {
+void PrintedWorkspace::revealAll(const std::vector<FilePath>& items, Told told) {
     for (const FilePath& item : items) lines_.print("revealed", {{"path", item}});
-    return std::nullopt;
+    told(std::nullopt);
 }
 
 std::optional<std::string> PrintedWorkspace::openTerminal(const FilePath& directory) {

@@ -48,7 +48,7 @@ class PrintedWorkspace final : public Workspace {
 public:
     explicit PrintedWorkspace(JsonLines& lines) : lines_(lines) {}
 
-    std::optional<std::string> revealAll(const std::vector<FilePath>& items) override;
+    void revealAll(const std::vector<FilePath>& items, Told told) override;
     std::optional<std::string> openTerminal(const FilePath& directory) override;
 
 private:

@@ -8,19 +8,19 @@
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
 #include "Platform/Linux/LinuxVolumeInformation.h"
+#include "Platform/Linux/ProcessSignals.h"
 #include "Services/Notifications/SystemNotificationService.h"
 #include "Services/Permissions/LaunchAtLoginService.h"
 #include "Services/Permissions/PathAuthorization.h"
-#include "Services/Process/SafeEnvironment.h"
 #include "Services/Process/SystemProcessRunner.h"
 #include "Services/Storage/SystemVolumeCapacityReader.h"
 #include "Services/Updates/DisabledUpdateService.h"
 #include "Shared/Concurrency/Reactor.h"
 #include "Shared/Concurrency/RunBlocking.h"
 #include "Shared/Concurrency/ThreadPool.h"
+#include "Shared/Environment/Environment.h"
 #include "driver/PrintedDesktop.h"
 
-#include <csignal>
 #include <exception>
 #include <filesystem>
 
@@ -68,8 +68,8 @@ struct Program::Parts {
 Program::Program(const std::function<void(SettingsStore&)>& settle, JsonLines& lines,
                  CleanupObserver cleanupObserver)
     : cleanupObserver_(std::move(cleanupObserver)) {
-    makeOwnEnvironmentSafe();
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(environmentAtStart());
+    settleSignals();
     raiseDescriptorLimit();
     parts_ = std::make_unique<Parts>(lines);
     settle(parts_->settings);

@@ -3,11 +3,11 @@
 // when the cleanup came to its end, whatever that was, with 2 when the words are wrong, else with 1.
 
 #include "Platform/Linux/DescriptorLimit.h"
-#include "Services/Process/SafeEnvironment.h"
+#include "Platform/Linux/ProcessSignals.h"
+#include "Shared/Environment/Environment.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "fault/OneCleanup.h"
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <fcntl.h>
@@ -34,8 +34,8 @@ int main(int argc, char** argv) {
     try {
         const std::span<char*> arguments(argv, std::size_t(argc));
         const RunRequest request = RunRequest::from(arguments.subspan(1));
-        makeOwnEnvironmentSafe();
-        std::signal(SIGPIPE, SIG_IGN);
+        static_cast<void>(environmentAtStart());
+        settleSignals();
         raiseDescriptorLimit();
         JsonLines lines;
         Checkpoints checkpoints(lines, takeStandardInput(), request.pauses, request.pausePoints,

@@ -9,9 +9,9 @@ namespace cairnfield {
 
 class FakeWorkspace final : public Workspace {
 public:
-    std::optional<std::string> revealAll(const std::vector<FilePath>& items) override {
+    void revealAll(const std::vector<FilePath>& items, Told told) override {
         revealed.insert(revealed.end(), items.begin(), items.end());
-        return answer;
+        told(answer);
     }
     std::optional<std::string> openTerminal(const FilePath& directory) override {
         terminals.push_back(directory);

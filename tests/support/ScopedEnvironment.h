@@ -1,6 +1,8 @@
 #pragma once
-// One environment variable with another value for as long as a test needs it. Not while other threads read
-// the environment.
+// One environment variable with another value for as long as a test needs it, as if the program had been
+// started with it. Not while other threads read the environment.
+
+#include "Shared/Environment/Environment.h"
 
 #include <cstdlib>
 #include <optional>
@@ -27,6 +29,7 @@ private:
         } else {
             unsetenv(name_.c_str());
         }
+        detail::readEnvironmentAgain();
     }
 
     const std::string name_;

@@ -1,5 +1,7 @@
 // The main function of every test program: the surroundings that the tests rely on, then the tests.
 
+#include "Shared/Environment/Environment.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -13,6 +15,7 @@ int main(int argc, char** argv) {
     for (const char* name : {"GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE"}) unsetenv(name);
     setenv("LC_ALL", "en_US.UTF-8", 1);
     setenv("TZ", "UTC", 1);
+    cairnfield::detail::readEnvironmentAgain();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -80,6 +80,15 @@ class CheckTree(unittest.TestCase):
         self.write("src/Features/Root/Root.h", "#include <QtQml/qqmlregistration.h>\n")
         self.assert_one_breach("src/App/Model.h:1", "Qt (QObject)")
 
+    def test_a_look_at_the_environment_is_found(self):
+        self.write("src/Shared/Environment/Environment.cpp", "for (char** entry = environ; *entry; ++entry) {}\n")
+        self.write("src/Models/Git.cpp", "// getenv is for others\nint environment;\n")
+        self.assertEqual(self.check(), [])
+        for call in ['setenv("A", "1", 1)', 'unsetenv("A")', "putenv(pair)", 'std::getenv("A")', 'qputenv("A", "1")',
+                     'qgetenv("A")', 'qunsetenv("A")', 'qEnvironmentVariable("A")', "clearenv()", "environ[0]"]:
+            self.write("src/Models/Git.cpp", f"\n{call};\n")
+            self.assert_one_breach("src/Models/Git.cpp:2", "read once")
+
     def test_a_folder_on_no_floor_is_found(self):
         self.write("src/Utilities/Misc.h")
         self.assert_one_breach("src/Utilities/Misc.h:1", "no known floor")

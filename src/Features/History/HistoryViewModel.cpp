@@ -5,6 +5,8 @@
 #include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
 
+#include <QPointer>
+
 #include <utility>
 
 namespace cairnfield {
@@ -84,7 +86,11 @@ void HistoryViewModel::copySummary() {
 void HistoryViewModel::revealVaultFiles() {
     const CleanupReceipt* receipt = selected();
     if (!receipt || receipt->recoveryVaultPaths.empty()) return;
-    say(shown(workspace_.revealAll(receipt->recoveryVaultPaths).value_or("")));
+    say({});
+    workspace_.revealAll(receipt->recoveryVaultPaths,
+                         [self = QPointer(this)](const std::optional<std::string>& problem) {
+                             if (self) self->say(shown(problem.value_or("")));
+                         });
 }
 
 }  // namespace cairnfield

@@ -8,6 +8,8 @@
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
 
+#include <QPointer>
+
 #include <utility>
 
 namespace cairnfield {
@@ -68,8 +70,11 @@ const RecoveryVaultEntry* RecoveryVaultViewModel::entryAt(int row) const {
 void RecoveryVaultViewModel::reveal(int row) {
     const RecoveryVaultEntry* entry = entryAt(row);
     if (!entry) return;
-    notice_ = shown(workspace_.reveal(entry->storedPath).value_or(""));
-    emit screenChanged();
+    workspace_.reveal(entry->storedPath, [self = QPointer(this)](const std::optional<std::string>& problem) {
+        if (!self) return;
+        self->notice_ = shown(problem.value_or(""));
+        emit self->screenChanged();
+    });
 }
 
 void RecoveryVaultViewModel::restore(int row) {

@@ -4,6 +4,8 @@
 #include "Shared/Paths/TypedPath.h"
 #include "Shared/Text/Text.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -125,8 +127,11 @@ void WatchedFoldersViewModel::rescan(int row) {
 void WatchedFoldersViewModel::reveal(int row) {
     const WatchedFolder* folder = rows_.folderAt(row);
     if (!folder) return;
-    actionError_ = shown(workspace_.reveal(folder->path).value_or(""));
-    updateNotice();
+    workspace_.reveal(folder->path, [self = QPointer(this)](const std::optional<std::string>& problem) {
+        if (!self) return;
+        self->actionError_ = shown(problem.value_or(""));
+        self->updateNotice();
+    });
 }
 
 void WatchedFoldersViewModel::select(int row) {

@@ -2,6 +2,8 @@
 
 #include "Features/Presentation/QtText.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 namespace cairnfield {
@@ -211,8 +213,13 @@ void WorktreesViewModel::typeAhead(const QString& typed) {
 void WorktreesViewModel::reveal() {
     const ListedWorktree* listed = selected();
     if (!listed) return;
-    actionError_ = shown(workspace_.reveal(listed->worktree.path).value_or(""));
-    updateScreen();
+    const FilePath place = listed->worktree.path;
+    workspace_.reveal(place, [self = QPointer(this), place](const std::optional<std::string>& problem) {
+        // Another worktree may stand there by the time that the file manager has answered.
+        if (!self || !self->selected() || self->selected()->worktree.path != place) return;
+        self->actionError_ = shown(problem.value_or(""));
+        self->updateScreen();
+    });
 }
 
 void WorktreesViewModel::openTerminal() {

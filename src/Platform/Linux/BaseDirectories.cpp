@@ -1,6 +1,5 @@
 #include "Platform/Linux/BaseDirectories.h"
 
-#include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
 #include <vector>
@@ -20,9 +19,9 @@ FilePath homeOfAccount() {
 
 }  // namespace
 
-BaseDirectories BaseDirectories::from(const Lookup& lookup, const FilePath& accountHome) {
-    const auto absoluteOr = [&lookup](const std::string& name, const FilePath& otherwise) {
-        const std::optional<std::string> value = lookup(name);
+BaseDirectories BaseDirectories::from(const Environment& environment, const FilePath& accountHome) {
+    const auto absoluteOr = [&environment](const std::string& name, const FilePath& otherwise) {
+        const std::optional<std::string> value = valueOf(environment, name);
         if (!value || !FilePath(*value).isAbsolute()) return otherwise;
         return FilePath(*value).standardized();
     };
@@ -33,13 +32,7 @@ BaseDirectories BaseDirectories::from(const Lookup& lookup, const FilePath& acco
 }
 
 BaseDirectories BaseDirectories::current() {
-    const auto lookup = [](const std::string& name) -> std::optional<std::string> {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing here changes the environment
-        const char* value = std::getenv(name.c_str());
-        if (!value) return std::nullopt;
-        return value;
-    };
-    return from(lookup, homeOfAccount());
+    return from(environmentAtStart(), homeOfAccount());
 }
 
 }  // namespace cairnfield

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
@@ -27,6 +28,29 @@ std::string readToEnd(int fd) {
     }
 }
 
+/// For the child: no signal blocked, and every one with its default disposition.
+class DefaultSignals {
+public:
+    DefaultSignals() {
+        ::posix_spawnattr_init(&value_);
+        sigset_t none;
+        sigset_t all;
+        ::sigemptyset(&none);
+        ::sigfillset(&all);
+        ::posix_spawnattr_setsigmask(&value_, &none);
+        ::posix_spawnattr_setsigdefault(&value_, &all);
+        ::posix_spawnattr_setflags(&value_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~DefaultSignals() { ::posix_spawnattr_destroy(&value_); }
+    DefaultSignals(const DefaultSignals&) = delete;
+    DefaultSignals& operator=(const DefaultSignals&) = delete;
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &value_; }
+
+private:
+    posix_spawnattr_t value_;
+};
+
 std::optional<pid_t> spawn(const FilePath& executable, const std::vector<std::string>& arguments,
                            const Environment& environment, int output) {
     std::vector<char*> argumentPointers{const_cast<char*>(executable.c_str())};
@@ -42,11 +66,12 @@ std::optional<pid_t> spawn(const FilePath& executable, const std::vector<std::st
 
     posix_spawn_file_actions_t actions;
     if (::posix_spawn_file_actions_init(&actions) != 0) return std::nullopt;
+    const DefaultSignals signals;
     pid_t pid = -1;
     const bool launched =
         ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 &&
         ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0) == 0 &&
-        ::posix_spawn(&pid, executable.c_str(), &actions, nullptr, argumentPointers.data(),
+        ::posix_spawn(&pid, executable.c_str(), &actions, signals.get(), argumentPointers.data(),
                       pairPointers.data()) == 0;
     ::posix_spawn_file_actions_destroy(&actions);
     if (!launched) return std::nullopt;

@@ -1,27 +1,11 @@
 #include "Services/Process/CommandEnvironment.h"
 
-#include <string_view>
-#include <unistd.h>
+#include "Services/Process/SafeEnvironment.h"
 
 namespace cairnfield::CommandEnvironment {
 
-namespace {
-
-Environment inherited() {
-    Environment environment;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-        const std::string_view pair = *entry;
-        const std::size_t separator = pair.find('=');
-        if (separator == std::string_view::npos) continue;
-        environment.emplace(pair.substr(0, separator), pair.substr(separator + 1));
-    }
-    return environment;
-}
-
-}  // namespace
-
 Environment noninteractive() {
-    Environment environment = inherited();
+    Environment environment = safeForGit(environmentAtStart());
     environment["GIT_TERMINAL_PROMPT"] = "0";
     environment["GIT_OPTIONAL_LOCKS"] = "0";
     environment["GIT_PAGER"] = "cat";

@@ -1,12 +1,13 @@
 #pragma once
-// The environments that children get, built afresh from the application's own at every call. Any thread.
+// The environments that commands get, built afresh at every call from the one that the application was
+// started with. Any thread.
 
-#include "Platform/ChildProcess.h"
+#include "Shared/Environment/Environment.h"
 
 namespace cairnfield::CommandEnvironment {
 
-/// The application's environment with everything removed that redirects git, no prompts, no pagers, no
-/// colours, and texts that programs can be parsed by.
+/// The application's environment as SafeEnvironment.h makes it, with everything removed that redirects git,
+/// no prompts, no pagers, no colours, and texts that programs can be parsed by.
 [[nodiscard]] Environment noninteractive();
 
 /// The same, and a command that needs credentials fails at once.

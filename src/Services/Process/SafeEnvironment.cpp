@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdlib>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace cairnfield {
@@ -96,21 +94,6 @@ Environment safeForGit(Environment environment) {
     }
     environment["GIT_CONFIG_COUNT"] = std::to_string(count);
     return environment;
-}
-
-void makeOwnEnvironmentSafe() {
-    Environment present;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-        const std::string_view pair = *entry;
-        const std::size_t separator = pair.find('=');
-        if (separator == std::string_view::npos) continue;
-        present.emplace(pair.substr(0, separator), pair.substr(separator + 1));
-    }
-    const Environment safe = safeForGit(present);
-    for (const auto& [name, value] : present) {
-        if (!safe.contains(name)) unsetenv(name.c_str());
-    }
-    for (const auto& [name, value] : safe) setenv(name.c_str(), value.c_str(), 1);
 }
 
 }  // namespace cairnfield

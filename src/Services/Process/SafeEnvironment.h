@@ -1,6 +1,7 @@
 #pragma once
-// What git must not be told by the surroundings that the program happens to be started in. Set once, at the
-// start, in the program's own environment, so that every child inherits it.
+// What git must not be told by the surroundings that the program happens to be started in. Every command that
+// we run and read (Services/Process) gets an environment that is made from this one; programs that a person
+// goes on to use, such as a terminal, get the program's own.
 //
 // Settings outrank those of the repository, the user and the system: git always looks for untracked files
 // itself (else its own refusal to remove a worktree that holds some can vanish), asks no program of the
@@ -11,15 +12,12 @@
 //
 // docs/security.md says what this leaves open.
 
-#include "Platform/ChildProcess.h"
+#include "Shared/Environment/Environment.h"
 
 namespace cairnfield {
 
 /// The environment as it should be. Settings that it carries for git already stay, and ours stand behind
 /// them, where they win. Pure.
 [[nodiscard]] Environment safeForGit(Environment environment);
-
-/// Gives this process that environment. Before any thread starts.
-void makeOwnEnvironmentSafe();
 
 }  // namespace cairnfield

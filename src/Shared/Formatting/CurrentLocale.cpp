@@ -1,15 +1,10 @@
 #include "Shared/Formatting/CurrentLocale.h"
 
-#include <cstdlib>
+#include "Shared/Environment/Environment.h"
 
 namespace cairnfield::detail {
 
 namespace {
-
-std::string_view environmentValue(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
 
 const char* variableOf(LocaleCategory category) {
     switch (category) {
@@ -36,8 +31,8 @@ std::string localeNameFromEnvironment(std::string_view value) {
 
 std::string currentLocaleName(LocaleCategory category) {
     for (const char* variable : {"LC_ALL", variableOf(category), "LANG"}) {
-        const std::string_view value = environmentValue(variable);
-        if (!value.empty()) return localeNameFromEnvironment(value);
+        const std::optional<std::string> value = valueOf(environmentAtStart(), variable);
+        if (value && !value->empty()) return localeNameFromEnvironment(*value);
     }
     return localeNameFromEnvironment({});
 }

@@ -1,5 +1,6 @@
 #include "Shared/Formatting/DateFormatting.h"
 
+#include "Shared/Environment/Environment.h"
 #include "Shared/Formatting/CurrentLocale.h"
 
 #include <unicode/datefmt.h>
@@ -9,7 +10,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -45,9 +45,8 @@ template <class Use>
 std::string withCurrentFormatters(Use use) {
     static std::mutex mutex;
     static auto& kept = *new std::map<std::pair<std::string, std::string>, Formatters>;
-    const char* zone = std::getenv("TZ");
     const std::pair<std::string, std::string> key(detail::currentLocaleName(detail::LocaleCategory::dates),
-                                                  zone ? zone : "");
+                                                  valueOf(environmentAtStart(), "TZ").value_or(""));
     const std::lock_guard lock(mutex);
     auto place = kept.find(key);
     if (place == kept.end()) place = kept.emplace(key, makeFormatters(key.first, key.second)).first;

@@ -1,12 +1,10 @@
 #include "Shared/Logging/Log.h"
 
+#include "Shared/Environment/Environment.h"
 #include "Shared/Logging/LogOutput.h"
 
 #include <spdlog/sinks/stdout_sinks.h>
 
-#include <cstdlib>
-#include <optional>
-#include <string>
 #include <unistd.h>
 
 namespace cairnfield::Log {
@@ -14,9 +12,8 @@ namespace cairnfield::Log {
 namespace {
 
 spdlog::sink_ptr makeOutput() {
-    const char* stream = std::getenv("JOURNAL_STREAM");
     const bool journal =
-        detail::leadsToJournal(STDERR_FILENO, stream ? std::optional<std::string>(stream) : std::nullopt);
+        detail::leadsToJournal(STDERR_FILENO, valueOf(environmentAtStart(), "JOURNAL_STREAM"));
     auto output = std::make_shared<spdlog::sinks::stderr_sink_mt>();
     output->set_formatter(journal ? detail::journalFormatter() : detail::plainFormatter());
     return output;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 
 namespace cairnfield {
@@ -75,6 +76,14 @@ void PrivateBus::kill() {
     if (daemon_.state() == QProcess::NotRunning) return;
     daemon_.kill();
     daemon_.waitForFinished();
+}
+
+void PrivateBus::pause() {
+    ASSERT_EQ(::kill(static_cast<pid_t>(daemon_.processId()), SIGSTOP), 0);
+}
+
+void PrivateBus::resume() {
+    ASSERT_EQ(::kill(static_cast<pid_t>(daemon_.processId()), SIGCONT), 0);
 }
 
 }  // namespace cairnfield

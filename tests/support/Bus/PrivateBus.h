@@ -26,6 +26,9 @@ public:
     void offer(const std::string& name, const std::string& script);
     /// The bus is gone from one moment to the next.
     void kill();
+    /// It takes nothing and answers nothing until it may go on.
+    void pause();
+    void resume();
 
     [[nodiscard]] const TemporaryDirectory& home() const { return home_; }
 

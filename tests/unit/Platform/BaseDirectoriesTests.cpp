@@ -2,18 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace cairnfield {
 namespace {
 
-BaseDirectories from(const std::map<std::string, std::string>& environment) {
-    const auto lookup = [&environment](const std::string& name) -> std::optional<std::string> {
-        const auto entry = environment.find(name);
-        if (entry == environment.end()) return std::nullopt;
-        return entry->second;
-    };
-    return BaseDirectories::from(lookup, FilePath("/home/account"));
+BaseDirectories from(const Environment& environment) {
+    return BaseDirectories::from(environment, FilePath("/home/account"));
 }
 
 TEST(BaseDirectories, AreTheDefaultsInTheHome) {

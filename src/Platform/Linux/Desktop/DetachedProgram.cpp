@@ -18,6 +18,7 @@ namespace {
 struct Launch {
     const char* executable;
     char* const* arguments;
+    char* const* environment;
     const char* workingDirectory;  ///< null: ours
     int failure;                   ///< where the error number goes
 };
@@ -37,30 +38,47 @@ struct Launch {
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    ::signal(SIGPIPE, SIG_DFL);
+    for (int number = 1; number <= SIGRTMAX; ++number) ::signal(number, SIG_DFL);
     if (launch.workingDirectory && ::chdir(launch.workingDirectory) != 0) giveUp(launch);
     const int nothing = ::open("/dev/null", O_RDWR);
     if (nothing >= 0) ::dup2(nothing, STDIN_FILENO);
-    ::execv(launch.executable, launch.arguments);
+    ::execve(launch.executable, launch.arguments, launch.environment);
     giveUp(launch);
+}
+
+/// Pointers as exec wants them, into strings that outlive them.
+std::vector<char*> terminated(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 }  // namespace
 
+Environment environmentForPerson(Environment atStart, const std::string& activationToken) {
+    for (const char* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
+        atStart.erase(name);
+        if (!activationToken.empty()) atStart.emplace(name, activationToken);
+    }
+    return atStart;
+}
+
 void startDetached(const FilePath& executable, const std::vector<std::string>& arguments,
-                   const std::optional<FilePath>& workingDirectory) {
+                   const std::optional<FilePath>& workingDirectory, const Environment& environment) {
     std::vector<std::string> words{executable.bytes()};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> pointers;
-    pointers.reserve(words.size() + 1);
-    for (std::string& word : words) pointers.push_back(word.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> wordPointers = terminated(words);
+    std::vector<std::string> pairs;
+    for (const auto& [name, value] : environment) pairs.push_back(name + '=' + value);
+    std::vector<char*> pairPointers = terminated(pairs);
 
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category());
     const FileDescriptor reading(ends[0]);
     FileDescriptor writing(ends[1]);
-    const Launch launch{executable.c_str(), pointers.data(),
+    const Launch launch{executable.c_str(), wordPointers.data(), pairPointers.data(),
                         workingDirectory ? workingDirectory->c_str() : nullptr, writing.get()};
     const pid_t child = ::fork();
     if (child < 0) throw std::system_error(errno, std::generic_category());

@@ -2,13 +2,9 @@
 
 #include "Platform/Linux/Desktop/DetachedProgram.h"
 #include "Platform/Linux/Desktop/FileURI.h"
-#include "Shared/Logging/Log.h"
 #include "Shared/Paths/PathContainment.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 
 #include <system_error>
 #include <utility>
@@ -47,70 +43,66 @@ FilePath folderOfAll(const std::vector<FilePath>& items) {
     return folder;
 }
 
-std::optional<std::string> started(const FilePath& program, const std::vector<std::string>& arguments,
-                                   const std::optional<FilePath>& workingDirectory) {
-    try {
-        startDetached(program, arguments, workingDirectory);
-        return std::nullopt;
-    } catch (const std::system_error& error) {
-        return program.display() + " could not be started: " + error.code().message();
-    }
-}
-
 }  // namespace
 
 std::vector<FilePath> LinuxWorkspace::standardPlaces() {
     return {FilePath("/usr/local/bin"), FilePath("/usr/bin"), FilePath("/bin"), FilePath("/snap/bin")};
 }
 
-LinuxWorkspace::LinuxWorkspace(const QDBusConnection& bus, std::vector<FilePath> places)
-    : bus_(bus), places_(std::move(places)) {}
+LinuxWorkspace::LinuxWorkspace(const QDBusConnection& bus, std::vector<FilePath> places, Environment atStart)
+    : bus_(bus), places_(std::move(places)), atStart_(std::move(atStart)) {}
 
-std::optional<std::string> LinuxWorkspace::revealAll(const std::vector<FilePath>& items) {
-    if (items.empty()) return std::nullopt;
-    if (hasFileManagerOnBus()) {
-        askFileManager(items);
-        return std::nullopt;
-    }
-    return openFolder(folderOfAll(items));
-}
-
-bool LinuxWorkspace::hasFileManagerOnBus() const {
-    if (!bus_.isConnected()) return false;
-    QDBusConnectionInterface* const daemon = bus_.interface();
-    return daemon->isServiceRegistered(fileManager) ||
-           daemon->activatableServiceNames().value().contains(fileManager);
-}
-
-void LinuxWorkspace::askFileManager(const std::vector<FilePath>& items) {
+void LinuxWorkspace::revealAll(const std::vector<FilePath>& items, Told told) {
+    if (items.empty()) return told(std::nullopt);
+    const std::string token = std::exchange(activationToken_, {});
+    const FilePath folder = folderOfAll(items);
+    if (!bus_.isConnected()) return told(openFolder(folder, token));
     QStringList addresses;
     for (const FilePath& item : items) addresses << QString::fromStdString(fileURI(item));
     QDBusMessage question =
         QDBusMessage::createMethodCall(fileManager, QStringLiteral("/org/freedesktop/FileManager1"),
                                        fileManager, QStringLiteral("ShowItems"));
-    question << addresses << QString();
+    question << addresses << QString::fromStdString(token);
     auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, folder = folderOfAll(items)](QDBusPendingCallWatcher* finished) {
+            [this, folder, token, told = std::move(told)](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
-                const QDBusPendingReply<> reply = *finished;
-                if (!reply.isError()) return;
-                if (const auto problem = openFolder(folder)) Log::app().error("{}", *problem);
+                openFolderUnlessShown(finished->reply(), folder, token, told);
             });
 }
 
-std::optional<std::string> LinuxWorkspace::openFolder(const FilePath& folder) const {
+void LinuxWorkspace::openFolderUnlessShown(const QDBusMessage& answer, const FilePath& folder,
+                                           const std::string& token, const Told& told) const {
+    const bool isShown = answer.type() == QDBusMessage::ReplyMessage;
+    told(isShown ? std::nullopt : openFolder(folder, token));
+}
+
+std::optional<std::string> LinuxWorkspace::openFolder(const FilePath& folder,
+                                                      const std::string& token) const {
     if (const auto opener = findProgram({"xdg-open"}, places_))
-        return started(*opener, {fileURI(folder)}, std::nullopt);
+        return start(*opener, {fileURI(folder)}, std::nullopt, token);
     if (const auto opener = findProgram({"gio"}, places_))
-        return started(*opener, {"open", fileURI(folder)}, std::nullopt);
+        return start(*opener, {"open", fileURI(folder)}, std::nullopt, token);
     return "No file manager was found.";
 }
 
 std::optional<std::string> LinuxWorkspace::openTerminal(const FilePath& directory) {
+    const std::string token = std::exchange(activationToken_, {});
     const auto terminal = findProgram(terminals, places_);
     if (!terminal) return "No terminal was found.";
-    return started(*terminal, {}, directory);
+    return start(*terminal, {}, directory, token);
+}
+
+std::optional<std::string> LinuxWorkspace::start(const FilePath& program,
+                                                 const std::vector<std::string>& arguments,
+                                                 const std::optional<FilePath>& workingDirectory,
+                                                 const std::string& token) const {
+    try {
+        startDetached(program, arguments, workingDirectory, environmentForPerson(atStart_, token));
+        return std::nullopt;
+    } catch (const std::system_error& error) {
+        return program.display() + " could not be started: " + error.code().message();
+    }
 }
 
 }  // namespace cairnfield

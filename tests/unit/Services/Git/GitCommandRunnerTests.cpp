@@ -3,6 +3,7 @@
 #include "Shared/Concurrency/RunBlocking.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "support/FakeProcessRunner.h"
+#include "support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
 
@@ -77,7 +78,7 @@ TEST_F(GitCommandRunnerTest, RunsTheLocatedProgramInTheDirectoryWithinTheLimit) 
 
 TEST_F(GitCommandRunnerTest, TakesTheNetworkEnvironmentOnlyWhenTold) {
     answer({});
-    unsetenv("GIT_ASKPASS");
+    const ScopedEnvironment asking("GIT_ASKPASS", std::nullopt);
     runBlocking(git().run({"fetch"}, FilePath("/repo"), 5s));
     runBlocking(git().runChecked({"status"}, FilePath("/repo"), 5s));
     EXPECT_EQ(runBlocking(git().succeeds({"ls-remote"}, FilePath("/repo"), 5s)), true);
@@ -96,10 +97,9 @@ TEST_F(GitCommandRunnerTest, TakesTheNetworkEnvironmentOnlyWhenTold) {
 
 TEST_F(GitCommandRunnerTest, KeepsTheApplicationsRedirectionsAway) {
     answer({});
-    setenv("GIT_DIR", "/elsewhere/.git", 1);
+    const ScopedEnvironment elsewhere("GIT_DIR", "/elsewhere/.git");
     runBlocking(git().run({"status"}, FilePath("/repo"), 5s));
     runBlocking(git().run({"push"}, FilePath("/repo"), 5s, GitCommandRunner::UsesNetwork::yes));
-    unsetenv("GIT_DIR");
     for (const CommandInvocation& invocation : processes_.invocations())
         EXPECT_EQ(invocation.environment.count("GIT_DIR"), 0U);
 }

@@ -1,4 +1,5 @@
 #include "Services/Process/CommandEnvironment.h"
+#include "support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
 
@@ -6,49 +7,23 @@
 
 using namespace cairnfield;
 
-namespace {
-
-/// Sets a variable of this process for as long as it lives.
-class Variable {
-public:
-    Variable(std::string name, const char* value) : name_(std::move(name)) {
-        if (const char* old = std::getenv(name_.c_str())) before_ = old;
-        setenv(name_.c_str(), value, 1);
-    }
-    ~Variable() {
-        if (before_) {
-            setenv(name_.c_str(), before_->c_str(), 1);
-        } else {
-            unsetenv(name_.c_str());
-        }
-    }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    std::string name_;
-    std::optional<std::string> before_;
-};
-
-}  // namespace
-
 TEST(CommandEnvironment, PassesOnWhatTheApplicationHas) {
-    const Variable variable("CAIRNFIELD_TEST", "a=b c");
+    const ScopedEnvironment variable("CAIRNFIELD_TEST", "a=b c");
     EXPECT_EQ(CommandEnvironment::noninteractive().at("CAIRNFIELD_TEST"), "a=b c");
 }
 
 TEST(CommandEnvironment, IsBuiltAfreshOnEveryCall) {
     {
-        const Variable variable("CAIRNFIELD_TEST", "first");
+        const ScopedEnvironment variable("CAIRNFIELD_TEST", "first");
         ASSERT_EQ(CommandEnvironment::noninteractive().count("CAIRNFIELD_TEST"), 1U);
     }
     EXPECT_EQ(CommandEnvironment::noninteractive().count("CAIRNFIELD_TEST"), 0U);
 }
 
 TEST(CommandEnvironment, KeepsProgramsFromAskingPagingAndColouring) {
-    const Variable locale("LC_ALL", "de_DE.UTF-8");
-    const Variable pager("PAGER", "less");
-    const Variable prompt("GIT_TERMINAL_PROMPT", "1");
+    const ScopedEnvironment locale("LC_ALL", "de_DE.UTF-8");
+    const ScopedEnvironment pager("PAGER", "less");
+    const ScopedEnvironment prompt("GIT_TERMINAL_PROMPT", "1");
     const Environment environment = CommandEnvironment::noninteractive();
     const Environment expected{{"GIT_TERMINAL_PROMPT", "0"},
                                {"GIT_OPTIONAL_LOCKS", "0"},
@@ -60,10 +35,32 @@ TEST(CommandEnvironment, KeepsProgramsFromAskingPagingAndColouring) {
     for (const auto& [key, value] : expected) EXPECT_EQ(environment.at(key), value) << key;
 }
 
+TEST(CommandEnvironment, TellsEveryCommandWhatKeepsGitSafe) {
+    const ScopedEnvironment count("GIT_CONFIG_COUNT", std::nullopt);
+    const ScopedEnvironment elsewhere("GIT_NAMESPACE", "other");
+    const ScopedEnvironment libraries("LD_LIBRARY_PATH", ":");
+    for (const Environment& environment :
+         {CommandEnvironment::noninteractive(), CommandEnvironment::network()}) {
+        EXPECT_EQ(environment.at("GIT_CONFIG_COUNT"), "6");
+        EXPECT_EQ(environment.at("GIT_CONFIG_KEY_1"), "core.fsmonitor");
+        EXPECT_EQ(environment.at("GIT_NO_LAZY_FETCH"), "1");
+        EXPECT_FALSE(environment.contains("GIT_NAMESPACE"));
+        EXPECT_FALSE(environment.contains("LD_LIBRARY_PATH"));
+    }
+}
+
+TEST(CommandEnvironment, LeavesTheProgramsOwnEnvironmentAsItIs) {
+    const ScopedEnvironment count("GIT_CONFIG_COUNT", std::nullopt);
+    const Environment before = environmentAtStart();
+    static_cast<void>(CommandEnvironment::network());
+    EXPECT_EQ(environmentAtStart(), before);
+    EXPECT_EQ(std::getenv("GIT_CONFIG_COUNT"), nullptr);
+}
+
 TEST(CommandEnvironment, DropsWhatRedirectsGit) {
-    const Variable directory("GIT_DIR", "/elsewhere/.git");
-    const Variable worktree("GIT_WORK_TREE", "/elsewhere");
-    const Variable index("GIT_INDEX_FILE", "/elsewhere/index");
+    const ScopedEnvironment directory("GIT_DIR", "/elsewhere/.git");
+    const ScopedEnvironment worktree("GIT_WORK_TREE", "/elsewhere");
+    const ScopedEnvironment index("GIT_INDEX_FILE", "/elsewhere/index");
     for (const Environment& environment :
          {CommandEnvironment::noninteractive(), CommandEnvironment::network()}) {
         for (const char* key : {"GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE"})
@@ -72,7 +69,7 @@ TEST(CommandEnvironment, DropsWhatRedirectsGit) {
 }
 
 TEST(CommandEnvironment, RefusesCredentialsOnlyForTheNetwork) {
-    const Variable inherited("GIT_ASKPASS", "/usr/bin/ask");
+    const ScopedEnvironment inherited("GIT_ASKPASS", "/usr/bin/ask");
     EXPECT_EQ(CommandEnvironment::noninteractive().at("GIT_ASKPASS"), "/usr/bin/ask");
     Environment network = CommandEnvironment::network();
     EXPECT_EQ(network.at("GIT_ASKPASS"), "/usr/bin/false");

@@ -1,9 +1,7 @@
 #include "Services/Process/SafeEnvironment.h"
-#include "support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -60,18 +58,6 @@ TEST(SafeEnvironment, LooksForProgramsAndLibrariesInAbsolutePlacesOnly) {
             EXPECT_FALSE(safeForGit({{name, nothing}}).contains(name)) << name << " " << nothing;
         EXPECT_FALSE(safeForGit({}).contains(name));
     }
-}
-
-TEST(SafeEnvironment, BecomesThatOfThisProcess) {
-    const ScopedEnvironment namesGitElsewhere("GIT_NAMESPACE", "other");
-    const ScopedEnvironment count("GIT_CONFIG_COUNT", std::nullopt);
-    const ScopedEnvironment libraries("LD_LIBRARY_PATH", ":");
-    makeOwnEnvironmentSafe();
-    EXPECT_EQ(std::getenv("GIT_NAMESPACE"), nullptr);
-    EXPECT_STREQ(std::getenv("GIT_CONFIG_COUNT"), "6");
-    EXPECT_STREQ(std::getenv("GIT_CONFIG_KEY_1"), "core.fsmonitor");
-    EXPECT_STREQ(std::getenv("GIT_NO_LAZY_FETCH"), "1");
-    EXPECT_EQ(std::getenv("LD_LIBRARY_PATH"), nullptr);
 }
 
 }  // namespace
