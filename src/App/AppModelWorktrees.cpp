@@ -2,6 +2,7 @@
 #include "App/CleanupServices.h"
 #include "Models/WorktreeGroups.h"
 #include "Services/Git/GitWorktreeInspector.h"
+#include "Services/Git/WorktreeSafetyClassifier.h"
 #include "Services/GitHub/GitHubCLIService.h"
 #include "Services/Process/ExecutableLocator.h"
 #include "Shared/Concurrency/CurrentTask.h"
@@ -28,6 +29,22 @@ std::optional<std::size_t> indexOf(const std::vector<Worktree>& worktrees, const
         std::ranges::find_if(worktrees, [&](const Worktree& worktree) { return worktree.id() == wanted; });
     if (found == worktrees.end()) return std::nullopt;
     return std::size_t(found - worktrees.begin());
+}
+
+/// Puts the answer about one worktree into the list as it is now, and nothing but the answer: sizes, pins and
+/// the list itself may have changed since it was asked. One that has gone, or moved on to another commit,
+/// keeps what it has. Gives whether anything changed.
+bool takePullRequest(std::vector<Worktree>& present, std::size_t hint, const Worktree& asked,
+                     const Worktree& answered) {
+    if (answered == asked) return false;
+    const std::optional<std::size_t> index = indexOf(present, asked.path, hint);
+    if (!index) return false;
+    Worktree& worktree = present[*index];
+    if (worktree.headSHA != asked.headSHA || worktree.branch != asked.branch) return false;
+    const Worktree before = worktree;
+    worktree.pullRequest = answered.pullRequest;
+    worktree.safety = WorktreeSafetyClassifier::classify(worktree);
+    return worktree != before;
 }
 
 }  // namespace
@@ -183,8 +200,14 @@ Task<> AppModel::refreshRemoteState() {
     const std::shared_ptr<WorktreeCatalog> catalog = catalog_;
     const std::shared_ptr<GitHubServicing> service = githubService_;
     if (!catalog || !service) co_return;
-    std::vector<Worktree> worktrees = co_await catalog->attachPullRequests(state_.worktrees.get(), *service);
-    state_.worktrees.set(std::move(worktrees));
+    const std::vector<Worktree> asked = state_.worktrees.get();
+    const std::vector<Worktree> answered = co_await catalog->attachPullRequests(asked, *service);
+    state_.worktrees.mutate([&](std::vector<Worktree>& present) {
+        bool isChanged = false;
+        for (std::size_t place = 0; place < asked.size() && place < answered.size(); ++place)
+            isChanged |= takePullRequest(present, place, asked[place], answered[place]);
+        return isChanged;
+    });
 }
 
 Task<> AppModel::togglePin(Worktree worktree) {

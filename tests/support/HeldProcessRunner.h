@@ -1,7 +1,7 @@
 #pragma once
 // Passes commands on, but lets some wait at their start until the test lets them go, and answers others in
-// their place. A command is meant by how its line of arguments begins. From any thread; `next` is set before
-// the first command.
+// their place, held ones too. A command is meant by how its line of arguments begins. From any thread; `next`
+// is set before the first command.
 
 #include "Services/Process/ProcessRunning.h"
 #include "support/SteppedClock.h"
@@ -41,9 +41,9 @@ public:
     Task<CommandResult> run(CommandInvocation invocation) override {
         std::string line;
         for (const std::string& argument : invocation.arguments) line += (line.empty() ? "" : " ") + argument;
+        if (waits(line)) co_await clock_.sleep(patience);
         std::optional<CommandResult> answer = answerTo(line);
         if (answer) co_return *std::move(answer);
-        if (waits(line)) co_await clock_.sleep(patience);
         CommandResult result = co_await next->run(std::move(invocation));
         co_return result;
     }
