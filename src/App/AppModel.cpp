@@ -2,6 +2,8 @@
 
 #include "App/CleanupServices.h"
 #include "App/NotificationCenterDelegate.h"
+#include "App/NotificationOutbox.h"
+#include "App/StillNews.h"
 #include "Platform/NotificationCenter.h"
 #include "Services/FileSystem/ChangeDebouncer.h"
 #include "Services/FileSystem/FileSystemEventMonitoring.h"
@@ -35,7 +37,20 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
       activityDetector_(environment_.wallClock),
       cleanup_(std::make_unique<CleanupServices>(environment_, settings.recoveryVaultMaxFileBytes.get())),
       answering_(static_cast<NotificationAnswering*>(this), [](NotificationAnswering*) {}),
-      operations_(logUnexpectedFailure) {}
+      operations_(logUnexpectedFailure),
+      outbox_(std::make_unique<NotificationOutbox>(
+          environment_.mainThread, operations_, environment_.notifications, environment_.notificationCenter,
+          NotificationOutbox::Judgement{
+              .tried =
+                  [this](const std::optional<std::string>& failure) {
+                      state_.notificationAuthorizationDenied.set(failure.has_value());
+                      state_.lastNotificationError.set(failure);
+                  },
+              .isStillNews =
+                  [this](const NotificationRequestPayload& payload) {
+                      return settings_.notificationsEnabled.get() &&
+                             isStillNews(payload, state_, environment_.wallClock.now());
+                  }})) {}
 
 AppModel::~AppModel() = default;
 
@@ -61,6 +76,7 @@ Task<> AppModel::stop() {
     operations_.cancel();
     answering_.reset();
     environment_.notificationCenter.onResponse(nullptr);
+    outbox_->end();
     if (eventMonitor_) {
         eventMonitor_->stop();
         co_await eventMonitor_->finished();

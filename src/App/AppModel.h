@@ -29,6 +29,7 @@ class ChangeDebouncer;
 class CleanupServices;
 class FileSystemEventMonitoring;
 class NotificationCenterDelegate;
+class NotificationOutbox;
 struct CleanupPlan;
 struct CleanupPreflightReport;
 struct NotificationRequestPayload;
@@ -71,12 +72,10 @@ public:
     Task<> addWatchedFolder(FilePath url);
     Task<> removeWatchedFolder(WatchedFolder folder);
     Task<> updateWatchedFolder(WatchedFolder folder);  ///< by its identity
-    /// A folder that is being scanned is not scanned a second time. With `force` the cache is not asked.
+    /// Not twice at a time. With `force` past the cache. To its end, alarms included, whoever is cancelled.
     Task<> scan(WatchedFolder folder, bool force);
-    /// One after another, the enabled folders that are not snoozed.
-    Task<> scanAllFolders(bool force);
-    /// Of any directory; throws as DirectoryScanning::size does.
-    Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);
+    Task<> scanAllFolders(bool force);  ///< one after another, the enabled ones that are not snoozed
+    Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);  ///< throws as the scanner does
 
     // Worktrees.
     Task<> refreshIntegrations();  ///< finds git and gh anew; blocks while it looks
@@ -119,6 +118,7 @@ private:
     Task<> invalidate(std::set<FilePath> paths);
     Task<> handleInvalidatedPaths(std::set<FilePath> paths);
     Task<> sizeAll(std::vector<FilePath> paths, bool force, std::uint64_t run);
+    Task<> scanToItsEnd(WatchedFolder folder, bool force);
     Task<> measureFolder(WatchedFolder folder, bool force);
     Task<> reloadFolders();
     Task<> reloadCleanupRecords();
@@ -133,8 +133,7 @@ private:
     FileSystemActivityDetector activityDetector_;
     std::unique_ptr<CleanupServices> cleanup_;
     std::shared_ptr<GitHubServicing> githubService_;  ///< absent until the tools were looked for
-    /// Absent while git is unusable; shared with a refresh under way.
-    std::shared_ptr<WorktreeCatalog> catalog_;
+    std::shared_ptr<WorktreeCatalog> catalog_;        ///< absent without git; shared with a refresh under way
     std::shared_ptr<NotificationAnswering> answering_;  ///< this model, for those who must not keep it alive
     std::shared_ptr<NotificationCenterDelegate> notificationDelegate_;
     std::shared_ptr<FileSystemEventMonitoring> eventMonitor_;
@@ -145,6 +144,7 @@ private:
     std::uint64_t sizingRun_ = 0;  ///< of the sizing that may touch progress; an abandoned one may not
     bool isEnding_ = false;
     TaskScope operations_;
+    std::unique_ptr<NotificationOutbox> outbox_;
 };
 
 }  // namespace cairnfield

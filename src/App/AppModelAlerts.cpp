@@ -1,9 +1,7 @@
 #include "App/AppModel.h"
+#include "App/NotificationOutbox.h"
 #include "Services/Notifications/Notification.h"
 #include "Services/Notifications/NotificationCatalogue.h"
-#include "Services/Notifications/NotificationDelivering.h"
-#include "Shared/Concurrency/Cancelled.h"
-#include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 
 #include <utility>
@@ -55,31 +53,7 @@ Task<> AppModel::evaluateFolderAlerts(WatchedFolder folder) {
 }
 
 Task<std::optional<std::string>> AppModel::deliver(NotificationRequestPayload payload) {
-    NotificationDelivering& notifications = environment_.notifications;
-    const NotificationAuthorization status = co_await notifications.authorizationStatus();
-    if (status == NotificationAuthorization::notDetermined) {
-        try {
-            co_await notifications.requestAuthorization();
-        } catch (const Cancelled&) {
-            throw;
-        } catch (const std::exception&) {
-            // Whether there is leave shows at the delivery, with a text for the person.
-        }
-        co_await notifications.registerCategories();
-    }
-
-    std::optional<std::string> failure;
-    try {
-        co_await notifications.deliver(std::move(payload));
-    } catch (const Cancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        failure = describe(error);
-        Log::notifications().error("Delivery failed: {}", *failure);
-    }
-    state_.notificationAuthorizationDenied.set(failure.has_value());
-    state_.lastNotificationError.set(failure);
-    co_return failure;
+    return outbox_->deliver(std::move(payload));
 }
 
 void AppModel::snoozeIncident(int hours) {

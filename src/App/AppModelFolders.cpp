@@ -109,6 +109,13 @@ Task<> AppModel::updateWatchedFolder(WatchedFolder folder) {
 }
 
 Task<> AppModel::scan(WatchedFolder folder, bool force) {
+    // A task of its own: a scan that is cut short would forget what it has found, and an alarm with it.
+    const TaskHandle<> scanning =
+        operations_.add(environment_.mainThread, scanToItsEnd(std::move(folder), force));
+    co_await scanning.value();
+}
+
+Task<> AppModel::scanToItsEnd(WatchedFolder folder, bool force) {
     if (state_.scanningFolderIDs.get().contains(folder.id)) co_return;
     const ScanMark mark(state_.scanningFolderIDs, folder.id);
     const UUID id = folder.id;

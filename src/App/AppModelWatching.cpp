@@ -49,7 +49,9 @@ void AppModel::restartFileSystemWatching() {
 
 Task<> AppModel::invalidate(std::set<FilePath> paths) {
     for (const FilePath& path : paths) co_await scanner_.invalidate(path.standardized());
-    co_await handleInvalidatedPaths(std::move(paths));
+    // The debouncer does not wait for the walks that follow, so neither its end nor its replacement cuts them
+    // short.
+    run(handleInvalidatedPaths(std::move(paths)));
 }
 
 Task<> AppModel::handleInvalidatedPaths(std::set<FilePath> paths) {

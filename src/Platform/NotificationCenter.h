@@ -69,9 +69,15 @@ struct NotificationResponse {
 };
 
 /// The service did not take a notification. Its text says why, for people.
-class NotificationRefused final : public std::runtime_error {
+class NotificationRefused : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
+};
+
+/// There is no service that could have taken it.
+class NotificationServiceMissing final : public NotificationRefused {
+public:
+    using NotificationRefused::NotificationRefused;
 };
 
 class NotificationCenter {
@@ -86,7 +92,7 @@ public:
     virtual void setCategories(std::vector<NotificationCategory> categories) = 0;
 
     /// Returns when the service has taken the request, or when one with a delay is scheduled. Throws
-    /// NotificationRefused.
+    /// NotificationRefused, and NotificationServiceMissing where there is none.
     virtual Task<> add(NotificationRequest request) = 0;
     /// Those that still wait for their time; one that is not there is no failure.
     virtual void removePending(const std::vector<std::string>& identifiers) = 0;
@@ -95,6 +101,9 @@ public:
 
     /// At most one observer; a new one replaces the old, an empty one ends it.
     virtual void onResponse(std::function<void(NotificationResponse)> observer) = 0;
+
+    /// Called when a service has come to be where there was none. At most one observer, as above.
+    virtual void onServiceAppeared(std::function<void()> observer) = 0;
 };
 
 }  // namespace cairnfield

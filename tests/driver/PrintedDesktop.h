@@ -25,6 +25,7 @@ public:
     void removeAllPending() override;
     [[nodiscard]] std::vector<std::string> pendingIdentifiers() const override;
     void onResponse(std::function<void(NotificationResponse)> observer) override;
+    void onServiceAppeared(std::function<void()> /*observer*/) override {}  // it is always there
 
 private:
     JsonLines& lines_;

@@ -63,8 +63,15 @@ public:
     void onResponse(std::function<void(NotificationResponse)> observer) override {
         observer_ = std::move(observer);
     }
+    void onServiceAppeared(std::function<void()> observer) override { appeared_ = std::move(observer); }
+
+    /// A service has come to be.
+    void appear() const {
+        if (appeared_) appeared_();
+    }
 
 private:
+    std::function<void()> appeared_;
     std::function<void(NotificationResponse)> observer_;
 };
 

@@ -3,6 +3,7 @@
 // it posts nothing without permission. One thread at a time.
 
 #include "Services/Notifications/NotificationDelivering.h"
+#include "Shared/Concurrency/ContinuousClock.h"
 #include "Shared/Errors/CairnfieldError.h"
 
 #include <exception>
@@ -20,6 +21,8 @@ public:
     std::exception_ptr requestFailure;        ///< thrown by a request for permission
     std::exception_ptr deliveryFailure;       ///< thrown by a delivery that has permission
     std::function<void(const NotificationRequestPayload&)> onDelivery;
+    ContinuousClock* slowness =
+        nullptr;  ///< each delivery takes a minute of it, and can be cancelled meanwhile
 
     std::vector<NotificationRequestPayload> deliveries;  ///< all that were posted
     std::vector<std::string> pending;                    ///< identifiers of those with a delay
@@ -44,6 +47,7 @@ public:
 
     Task<> deliver(NotificationRequestPayload payload) override {
         calls.emplace_back("deliver");
+        if (slowness) co_await slowness->sleep(std::chrono::minutes(1));
         if (authorization != NotificationAuthorization::authorized &&
             authorization != NotificationAuthorization::provisional)
             throw CairnfieldError(CairnfieldError::NotificationPermissionDenied{});

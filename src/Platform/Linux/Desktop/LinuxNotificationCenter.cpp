@@ -35,6 +35,10 @@ LinuxNotificationCenter::LinuxNotificationCenter(const QDBusConnection& bus, Con
     QObject::connect(&server_, &NotificationServer::closed, &server_,
                      [this](uint number, uint reason) { takeClosed(number, reason); });
     QObject::connect(&server_, &NotificationServer::left, &server_, [this] { delivered_.clear(); });
+    QObject::connect(&server_, &NotificationServer::appeared, &server_, [this] {
+        const auto observer = appearanceObserver_;  // it may put another in its place
+        if (observer) observer();
+    });
 }
 
 Task<NotificationAuthorization> LinuxNotificationCenter::authorization() {
@@ -71,7 +75,7 @@ Task<> LinuxNotificationCenter::post(NotificationRequest request) {
         const QString owner = server_.owner();
         const QDBusMessage answer = co_await send(request, turn);
         if (numberIn(answer) != 0) co_return;
-        if (!reachedNobody(answer) || left == 1) throw refusal(answer);
+        if (!reachedNobody(answer) || left == 1) refuse(answer);
         server_.forget(owner);
     }
 }
@@ -120,6 +124,11 @@ void LinuxNotificationCenter::onResponse(std::function<void(NotificationResponse
     observer_ = std::move(observer);
 }
 
+void LinuxNotificationCenter::onServiceAppeared(std::function<void()> observer) {
+    assertIsolated();
+    appearanceObserver_ = std::move(observer);
+}
+
 void LinuxNotificationCenter::onActivationToken(std::function<void(std::string)> observer) {
     assertIsolated();
     tokenObserver_ = std::move(observer);
@@ -151,6 +160,7 @@ void LinuxNotificationCenter::takeAction(uint number, const QString& key) {
     const auto answered = delivered_.extract(found);
     server_.close(number);
     respond(key.toStdString(), answered.key(), answered.mapped());
+    if (tokenObserver_) tokenObserver_({});
 }
 
 void LinuxNotificationCenter::takeClosed(uint number, uint reason) {

@@ -41,9 +41,10 @@ public:
     void removeAllPending() override;
     [[nodiscard]] std::vector<std::string> pendingIdentifiers() const override;
     void onResponse(std::function<void(NotificationResponse)> observer) override;
+    void onServiceAppeared(std::function<void()> observer) override;
 
-    /// Told of the leave to bring a window forward that comes with an answer, before the answer itself. At
-    /// most one observer.
+    /// Told of the leave to bring a window forward that comes with an answer, before the answer itself, and
+    /// of an empty one after it: the leave was for what the answer starts. At most one observer.
     void onActivationToken(std::function<void(std::string)> observer);
 
     /// At the program's end: drops what is pending and returns when none of it runs any more. Before
@@ -81,6 +82,7 @@ private:
     Deliveries delivered_;  ///< by the request's identifier
     std::function<void(NotificationResponse)> observer_;
     std::function<void(std::string)> tokenObserver_;
+    std::function<void()> appearanceObserver_;
     Semaphore turns_{1};  ///< one at a time, since the next may replace what the last one becomes
     PendingNotifications pending_;
     NotificationServer server_;

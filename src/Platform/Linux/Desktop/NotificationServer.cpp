@@ -41,8 +41,9 @@ NotificationServer::NotificationServer(const QDBusConnection& bus, Executor& mai
     bus_.connect(QString(), path, service, QStringLiteral("ActivationToken"), this,
                  SLOT(takeActivationToken(uint, QString, QDBusMessage)));
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) {
+            [this](const QString&, const QString& before, const QString& owner) {
                 if (owner != owner_) forget(owner_);
+                if (before.isEmpty() && !owner.isEmpty()) emit appeared();
             });
 }
 
@@ -59,7 +60,7 @@ Task<> NotificationServer::reach() {
     // Learnt at once, so that it keeps its place among what the bus tells of owners that come and go.
     BusCall::Answered learn = [this](const QDBusMessage& answer) { take(answer); };
     const QDBusMessage answer = co_await BusCall(bus_, asking, limit_, calls_, std::move(learn));
-    if (owner_.isEmpty()) throw refusal(answer);
+    if (owner_.isEmpty()) refuse(answer);
 }
 
 void NotificationServer::take(const QDBusMessage& capabilities) {
@@ -116,21 +117,23 @@ bool reachedNobody(const QDBusMessage& answer) {
            answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
-NotificationRefused refusal(const QDBusMessage& answer) {
+void refuse(const QDBusMessage& answer) {
     switch (QDBusError(answer).type()) {
         case QDBusError::NoError:  // it did, and was gone in the same moment
         case QDBusError::NoReply:
         case QDBusError::Timeout:
         case QDBusError::TimedOut:
-            return NotificationRefused("The notification service did not answer.");
+            throw NotificationRefused("The notification service did not answer.");
         case QDBusError::Disconnected:
-            return NotificationRefused("The connection to the desktop was lost.");
+            throw NotificationRefused("The connection to the desktop was lost.");
         default:
             break;
     }
     const std::string words = visibleText(answer.errorMessage().toStdString());
-    return NotificationRefused("The notification service failed: " +
-                               (words.empty() ? answer.errorName().toStdString() : words));
+    const std::string text =
+        "The notification service failed: " + (words.empty() ? answer.errorName().toStdString() : words);
+    if (reachedNobody(answer)) throw NotificationServiceMissing(text);
+    throw NotificationRefused(text);
 }
 
 }  // namespace cairnfield

@@ -49,6 +49,8 @@ signals:
     void closed(uint number, uint reason);
     /// Its numbers mean nothing any more.
     void left();
+    /// Somebody serves, and nobody did before.
+    void appeared();
 
 private slots:
     void takeAction(uint number, const QString& key, const QDBusMessage& signal);
@@ -71,7 +73,7 @@ private:
 /// Nobody by that name is on the bus: the message reached no one.
 [[nodiscard]] bool reachedNobody(const QDBusMessage& answer);
 
-/// Why the service took nothing, for people.
-[[nodiscard]] NotificationRefused refusal(const QDBusMessage& answer);
+/// Throws why the service took nothing: NotificationRefused, or NotificationServiceMissing.
+[[noreturn]] void refuse(const QDBusMessage& answer);
 
 }  // namespace cairnfield

@@ -48,6 +48,34 @@ TEST_F(NoService, FailsNothingElse) {
 
 TEST_F(NoService, RefusesARequestThatIsMadeAnyway) {
     EXPECT_THAT(refusalOf(request("a")), HasSubstr("The notification service failed: "));
+    EXPECT_THROW(add(request("a")), NotificationServiceMissing);
+}
+
+TEST_F(NoService, TellsOfTheFirstThatAppearsAndOfEachThatFollowsOne) {
+    int appearances = 0;
+    center.onServiceAppeared([&appearances] { ++appearances; });
+    settle();
+    EXPECT_EQ(appearances, 0);
+    std::optional<ScriptedNotificationServer> server(std::in_place, bus, everything);
+    until([&] { return appearances == 1; }, "the service");
+    server->crash();
+    settle();
+    EXPECT_EQ(appearances, 1) << "that it has gone is another matter";
+    server.emplace(bus, everything);
+    until([&] { return appearances == 2; }, "the next service");
+    center.onServiceAppeared(nullptr);
+    server->crash();
+    server.emplace(bus, everything);
+    settle();
+    EXPECT_EQ(appearances, 2);
+}
+
+TEST_F(NoService, TellsOfOneInTimeForADeliveryToIt) {
+    std::optional<TaskHandle<>> delivery;
+    center.onServiceAppeared([&] { delivery = start(request("a", "at last")); });
+    const ScriptedNotificationServer server(bus, everything);
+    until([&] { return delivery && delivery->done(); }, "the delivery");
+    EXPECT_THAT(server.titles(), ElementsAre("at last"));
 }
 
 TEST_F(NoService, MeansAuthorizedAsSoonAsThereIsOne) {
@@ -96,6 +124,12 @@ protected:
 TEST_F(Service, FailsADeliveryInItsOwnWords) {
     server->conductItself(Conduct::fails);
     EXPECT_EQ(refusalOf(request("a")), "The notification service failed: no room on the screen");
+    try {
+        add(request("a"));
+    } catch (const NotificationServiceMissing&) {
+        ADD_FAILURE() << "it is there";
+    } catch (const NotificationRefused&) {
+    }
     EXPECT_THAT(center.deliveredIdentifiers(), IsEmpty());
     server->conductItself(Conduct::answers);
     EXPECT_NO_THROW(add(request("a")));
