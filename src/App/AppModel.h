@@ -76,6 +76,7 @@ public:
     Task<> scan(WatchedFolder folder, bool force);
     Task<> scanAllFolders(bool force);  ///< one after another, the enabled ones that are not snoozed
     Task<DirectoryScanResult> directorySize(FilePath url, bool useCache);  ///< throws as the scanner does
+    Task<bool> isDirectory(FilePath path);  ///< a link to one counts; looked at off the main thread
 
     // Worktrees.
     Task<> refreshIntegrations();  ///< finds git and gh anew; blocks while it looks

@@ -1,8 +1,11 @@
 #include "App/AppModel.h"
 #include "Services/Permissions/PathAuthorization.h"
 #include "Shared/Concurrency/Cancelled.h"
+#include "Shared/Concurrency/RunOn.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <utility>
@@ -159,6 +162,15 @@ Task<> AppModel::scanAllFolders(bool force) {
     for (const WatchedFolder& folder : folders) {
         if (folder.isEnabled && !folder.isSnoozed(environment_.wallClock.now())) co_await scan(folder, force);
     }
+}
+
+Task<bool> AppModel::isDirectory(FilePath path) {
+    const auto look = [path = std::move(path)] {
+        struct stat facts {};
+        return ::stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    };
+    const bool isOne = co_await runOn(environment_.blocking, look);
+    co_return isOne;
 }
 
 Task<DirectoryScanResult> AppModel::directorySize(FilePath url, bool useCache) {

@@ -4,20 +4,16 @@
 #include "Shared/Paths/TypedPath.h"
 #include "Shared/Text/Text.h"
 
-#include <QPointer>
-
 #include <algorithm>
-#include <filesystem>
+#include <chrono>
+#include <utility>
 
 namespace cairnfield {
 
 namespace {
 
-// One task, so that the list of worktrees is asked for only once the folder is there.
-Task<> addAndRefresh(AppModel& model, FilePath folder) {
-    co_await model.addWatchedFolder(std::move(folder));
-    co_await model.refreshWorktrees(true);
-}
+/// A folder on a disk that has to wake up, or on a machine that is gone, may take long to answer.
+constexpr std::chrono::seconds wordlessLook{1};
 
 FilePath pathOf(const QUrl& folder) {
     return pathFromEncoded(folder.path(QUrl::FullyEncoded).toStdString()).standardized();
@@ -31,6 +27,9 @@ WatchedFoldersViewModel::WatchedFoldersViewModel(AppModel& model, Workspace& wor
     updateTimer_.setSingleShot(true);
     updateTimer_.setInterval(0);
     connect(&updateTimer_, &QTimer::timeout, this, &WatchedFoldersViewModel::flush);
+    slowLook_.setSingleShot(true);
+    slowLook_.setInterval(wordlessLook);
+    connect(&slowLook_, &QTimer::timeout, this, [this] { fail("This folder has not answered yet."); });
     const AppState& state = model_.state();
     const auto observer = [this] { updateTimer_.start(); };
     subscriptions_.push_back(state.watchedFolders.observe(observer));
@@ -73,11 +72,12 @@ void WatchedFoldersViewModel::updateNotice() {
 void WatchedFoldersViewModel::setImporting(bool isImporting) {
     if (isImporting == isImporting_) return;
     isImporting_ = isImporting;
-    importError_.clear();
+    forgetLook();
     emit importingChanged();
 }
 
 void WatchedFoldersViewModel::addTyped(const QString& path) {
+    forgetLook();
     const auto folder = pathFromTyped(path.toStdString(), home_);
     if (!folder) return fail("Type the whole path of a folder, starting with a slash.");
     add(*folder);
@@ -92,12 +92,32 @@ QString WatchedFoldersViewModel::typedForm(const QUrl& folder) {
 }
 
 void WatchedFoldersViewModel::add(const FilePath& folder) {
-    std::error_code unreadable;
-    if (!std::filesystem::is_directory(folder.bytes(), unreadable))
-        return fail("There is no folder at this path.");
-    setImporting(false);
-    actionError_.clear();
-    model_.run(addAndRefresh(model_, folder));
+    forgetLook();
+    emit importingChanged();
+    slowLook_.start();
+    model_.run(lookAndAdd(model_, QPointer(this), folder, look_));
+}
+
+// One task, so that the list of worktrees is asked for only once the folder is there.
+Task<> WatchedFoldersViewModel::lookAndAdd(AppModel& model, QPointer<WatchedFoldersViewModel> screen,
+                                           FilePath folder, int look) {
+    const bool isFolder = co_await model.isDirectory(folder);
+    if (!screen || screen->look_ != look) co_return;
+    screen->forgetLook();
+    if (!isFolder) {
+        screen->fail("There is no folder at this path.");
+        co_return;
+    }
+    screen->setImporting(false);
+    screen->actionError_.clear();
+    co_await model.addWatchedFolder(std::move(folder));
+    co_await model.refreshWorktrees(true);
+}
+
+void WatchedFoldersViewModel::forgetLook() {
+    ++look_;
+    slowLook_.stop();
+    importError_.clear();
 }
 
 void WatchedFoldersViewModel::fail(const char* importError) {

@@ -9,6 +9,7 @@
 #include "Platform/Workspace.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
@@ -56,13 +57,15 @@ public:
 
     [[nodiscard]] bool isImporting() const { return isImporting_; }
     void setImporting(bool isImporting);
-    /// Why what was typed is no folder to add; empty when it may be.
+    /// Why what was typed is no folder to add, or that this is not known yet; empty when it may be.
     [[nodiscard]] QString importError() const { return importError_; }
 
     /// Where a chooser begins: at home.
     [[nodiscard]] QUrl firstFolder() const;
 
-    /// Adds the folder and ends the choosing. What names no folder stays where it was typed, with the reason.
+    /// Adds the folder and ends the choosing, once somebody has looked whether it is there. What names no
+    /// folder stays where it was typed, with the reason. Another path, or the end of the choosing, takes the
+    /// wish back.
     Q_INVOKABLE void addTyped(const QString& path);
     /// The same for what a chooser gave.
     Q_INVOKABLE void addChosen(const QUrl& folder);
@@ -92,6 +95,9 @@ signals:
 
 private:
     void add(const FilePath& folder);
+    static Task<> lookAndAdd(AppModel& model, QPointer<WatchedFoldersViewModel> screen, FilePath folder,
+                             int look);
+    void forgetLook();
     void fail(const char* importError);
     void updateNotice();
 
@@ -105,6 +111,8 @@ private:
     int selectedRow_ = -1;
     bool isImporting_ = false;
     QString importError_;
+    int look_ = 0;     ///< the number of the look at a path that counts
+    QTimer slowLook_;  ///< until it is worth a word
     TypeAhead typeAhead_;
     QTimer updateTimer_;
     std::vector<Subscription> subscriptions_;

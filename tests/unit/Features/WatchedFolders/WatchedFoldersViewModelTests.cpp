@@ -1,11 +1,15 @@
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 #include "support/App/AppHarness.h"
 #include "support/AppModelStaging.h"
+#include "support/EventLoop.h"
 #include "support/FakeWorkspace.h"
 #include "support/QtApplication.h"
+#include "support/Waiting.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <latch>
 
 namespace cairnfield {
 namespace {
@@ -52,8 +56,8 @@ TEST_F(WatchedFoldersScreen, AddsATypedFolderAndScansIt) {
     app.home.write("code/atlas/file", "content");
     screen.setImporting(true);
     screen.addTyped("~/code/");
-    EXPECT_FALSE(screen.isImporting());
     waitForFolders(1);
+    EXPECT_FALSE(screen.isImporting());
     EXPECT_TRUE(screen.showsList());
     EXPECT_EQ(screen.rows()->item(0).name, "code");
     EXPECT_TRUE(screen.rows()->item(0).isSizeKnown);
@@ -68,8 +72,8 @@ TEST_F(WatchedFoldersScreen, AddsAChosenFolderByteForByte) {
     app.home.makeDirectory(name);
     screen.setImporting(true);
     screen.addChosen(QUrl::fromEncoded(QByteArray("file://") + app.home.path().c_str() + "/a%20b%FF%0A%25"));
-    EXPECT_FALSE(screen.isImporting());
     waitForFolders(1);
+    EXPECT_FALSE(screen.isImporting());
     EXPECT_EQ(state().watchedFolders.get()[0].path, app.home.path().appending(name));
 }
 
@@ -78,14 +82,70 @@ TEST_F(WatchedFoldersScreen, KeepsTheSheetWithTheReasonWhenThereIsNoSuchFolder) 
     screen.setImporting(true);
     screen.addTyped("code");
     EXPECT_EQ(screen.importError(), "Type the whole path of a folder, starting with a slash.");
-    screen.addTyped("/no/such/folder");
-    EXPECT_EQ(screen.importError(), "There is no folder at this path.");
-    screen.addTyped(QString::fromStdString(file.bytes()));
-    EXPECT_EQ(screen.importError(), "There is no folder at this path.");
+    for (const QString& path : {QString("/no/such/folder"), QString::fromStdString(file.bytes())}) {
+        screen.addTyped(path);
+        EXPECT_EQ(screen.importError(), "") << "nobody has looked yet";
+        ASSERT_TRUE(app.loop.runUntil([&] { return !screen.importError().isEmpty(); }));
+        EXPECT_EQ(screen.importError(), "There is no folder at this path.");
+    }
     EXPECT_TRUE(screen.isImporting());
     EXPECT_THAT(state().watchedFolders.get(), IsEmpty());
     screen.setImporting(false);
     EXPECT_EQ(screen.importError(), "");
+}
+
+/// Keeps the threads that may block busy until it is told to let go.
+class BusyThreads {
+public:
+    BusyThreads(Executor& threads, int count) {
+        for (int i = 0; i < count; ++i) held_.push_back(spawn(threads, hold(gate_)));
+    }
+    void letGo() {
+        gate_.count_down();
+        for (const TaskHandle<>& task : held_) waitFor(task);
+        held_.clear();
+    }
+    ~BusyThreads() {
+        if (!held_.empty()) letGo();
+    }
+    BusyThreads(const BusyThreads&) = delete;
+    BusyThreads& operator=(const BusyThreads&) = delete;
+
+private:
+    static Task<> hold(std::latch& gate) {
+        gate.wait();
+        co_return;
+    }
+
+    std::latch gate_{1};
+    std::vector<TaskHandle<>> held_;
+};
+
+TEST_F(WatchedFoldersScreen, DoesNotWaitForAFolderThatIsSlowToAnswerAndSaysSo) {
+    app.home.makeDirectory("code");
+    BusyThreads busy(app.blocking, 2);
+    screen.setImporting(true);
+    screen.addTyped("~/code");
+    EXPECT_TRUE(screen.isImporting());
+    ASSERT_TRUE(runUntil([&] { return !screen.importError().isEmpty(); }, "a word about the wait"));
+    EXPECT_EQ(screen.importError(), "This folder has not answered yet.");
+    busy.letGo();
+    waitForFolders(1);
+    EXPECT_EQ(screen.importError(), "");
+    EXPECT_FALSE(screen.isImporting());
+}
+
+TEST_F(WatchedFoldersScreen, AddsNothingWhenTheChoosingEndsBeforeTheFolderAnswered) {
+    app.home.makeDirectory("code");
+    app.home.makeDirectory("other");
+    BusyThreads busy(app.blocking, 2);
+    screen.setImporting(true);
+    screen.addTyped("~/code");
+    screen.setImporting(false);
+    screen.addTyped("~/other");
+    busy.letGo();
+    waitForFolders(1);
+    EXPECT_EQ(state().watchedFolders.get()[0].path, app.home.path().appending("other"));
 }
 
 TEST_F(WatchedFoldersScreen, LetsTheChooserBeginAtHome) {
