@@ -32,8 +32,8 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
       settings_(settings),
       environment_(std::move(environment)),
       scanner_(environment_.pool, environment_.walking, environment_.treeMeasurer, environment_.wallClock),
-      folderStore_(environment_.pool, environment_.support, environment_.wallClock),
-      historyStore_(environment_.pool, environment_.support),
+      folderStore_(environment_.blocking, environment_.support, environment_.wallClock),
+      historyStore_(environment_.blocking, environment_.support),
       activityDetector_(environment_.wallClock),
       cleanup_(std::make_unique<CleanupServices>(environment_, settings.recoveryVaultMaxFileBytes.get())),
       answering_(static_cast<NotificationAnswering*>(this), [](NotificationAnswering*) {}),
@@ -50,7 +50,12 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
                   [this](const NotificationRequestPayload& payload) {
                       return settings_.notificationsEnabled.get() &&
                              isStillNews(payload, state_, environment_.wallClock.now());
-                  }})) {}
+                  }})) {
+    // The stores report from their own threads.
+    StoredFileNotices& notices = *environment_.support.notices();
+    notices.onChange([this] { operations_.add(environment_.mainThread, showStoredFiles()); });
+    state_.storedFileNotices.set(notices.all());
+}
 
 AppModel::~AppModel() = default;
 
@@ -71,8 +76,20 @@ Task<> AppModel::listenToAnswers() {
     co_await environment_.notifications.registerCategories();
 }
 
+Task<> AppModel::showStoredFiles() {
+    state_.storedFileNotices.set(environment_.support.notices()->all());
+    co_return;
+}
+
+std::string AppModel::storedFileNotice(std::string_view fileName) const {
+    const StoredFileNotices::ByFile& notices = state_.storedFileNotices.get();
+    const auto place = notices.find(fileName);
+    return place == notices.end() ? "" : place->second;
+}
+
 Task<> AppModel::stop() {
     isEnding_ = true;
+    environment_.support.notices()->onChange(nullptr);
     operations_.cancel();
     answering_.reset();
     environment_.notificationCenter.onResponse(nullptr);

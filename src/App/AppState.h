@@ -14,6 +14,7 @@
 #include "Services/GitHub/GitHubServicing.h"
 #include "Services/Storage/StorageIncidentTracker.h"
 #include "Shared/Concurrency/Published.h"
+#include "Shared/Files/StoredFileNotices.h"
 
 #include <map>
 #include <optional>
@@ -51,6 +52,10 @@ struct AppState {
     Published<std::optional<CleanupProgress>> activeCleanup;  ///< what the cleanup under way reported last
     Published<int> cleanupsUnderWay{0};                       ///< the program does not end before they have
     Published<std::optional<CleanupReceipt>> lastReceipt;  ///< of the last cleanup of this run of the program
+
+    /// What a person should know about the program's own files, by the name of the file; shown where its
+    /// records are.
+    Published<StoredFileNotices::ByFile> storedFileNotices;
 
     Published<bool> notificationAuthorizationDenied{
         false};  ///< the last delivery or request for leave failed

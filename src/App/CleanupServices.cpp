@@ -12,10 +12,10 @@ CleanupServices::Crew::Crew(const CleanupCoordinator::Surroundings& surroundings
       inspector(std::move(worktreeInspector)),
       coordinator(surroundings, git, *github, services.vault, services.receipts, *inspector) {}
 
-// The vault copies and compares whole files within a call.
+// Both wait for the disk within a call; the vault copies and compares whole files.
 CleanupServices::CleanupServices(const AppEnvironment& environment, std::int64_t maximumFileBytes)
     : maximumVaultFileBytes(maximumFileBytes),
-      receipts(environment.pool, environment.support),
+      receipts(environment.blocking, environment.support),
       vault(environment.blocking, environment.support, environment.volumes, environment.wallClock,
             maximumFileBytes) {}
 

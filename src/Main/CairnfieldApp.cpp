@@ -33,7 +33,7 @@ CairnfieldApp::CairnfieldApp(const BaseDirectories& directories, SingleInstance&
     : instance_(instance),
       desktop_(QDBusConnection::sessionBus(), machine_, directories),
       support_(directories.dataHome, directories.configHome),
-      defaults_(support_.settingsFile()),
+      defaults_(support_.settingsFile(), machine_.blocking, machine_.continuousClock, support_.notices()),
       model_(settings_, {.mainThread = machine_.mainThread,
                          .pool = machine_.pool,
                          .blocking = machine_.blocking,
@@ -94,7 +94,9 @@ int CairnfieldApp::run(Launch launch) {
     QEventLoop loop;
     QTimer limit;
     QObject::connect(&limit, &QTimer::timeout, &loop, [this, status] {
-        if (model_.state().cleanupsUnderWay.get() == 0) leaveAtOnce(status);
+        if (model_.state().cleanupsUnderWay.get() > 0) return;
+        defaults_.flushBlocking();
+        leaveAtOnce(status);
     });
     limit.start(endLimit);
     const TaskHandle<> ending = spawn(machine_.mainThread, end(loop));

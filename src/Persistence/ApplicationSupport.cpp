@@ -1,5 +1,6 @@
 #include "Persistence/ApplicationSupport.h"
 
+#include "Persistence/StoredFileNames.h"
 #include "Shared/Files/Files.h"
 
 namespace cairnfield {
@@ -18,7 +19,7 @@ FilePath ApplicationSupport::recoveryVaultDirectory() const {
 }
 
 FilePath ApplicationSupport::settingsFile() const {
-    return configDirectory_.appending("settings.json");
+    return configDirectory_.appending(StoredFileNames::settings);
 }
 
 void ApplicationSupport::ensureDirectory(const FilePath& directory) {

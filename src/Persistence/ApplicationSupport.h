@@ -1,8 +1,12 @@
 #pragma once
-// Where the program keeps its files. A plain value made from the environment once, in Main; it works out
-// locations and touches nothing unless asked to.
+// Where the program keeps its files, and where is left what a person should know about them. Made from the
+// environment once, in Main; copies share the notices. It works out locations and touches nothing unless
+// asked to.
 
+#include "Shared/Files/StoredFileNotices.h"
 #include "Shared/Paths/FilePath.h"
+
+#include <memory>
 
 namespace cairnfield {
 
@@ -16,6 +20,8 @@ public:
     [[nodiscard]] FilePath recoveryVaultDirectory() const;  ///< inside `directory`
     [[nodiscard]] FilePath settingsFile() const;
 
+    [[nodiscard]] const std::shared_ptr<StoredFileNotices>& notices() const { return notices_; }
+
     /// Creates the folder and its missing parents, readable by the user alone; one that is there is success.
     /// Throws std::system_error.
     static void ensureDirectory(const FilePath& directory);
@@ -23,6 +29,7 @@ public:
 private:
     FilePath directory_;
     FilePath configDirectory_;
+    std::shared_ptr<StoredFileNotices> notices_ = std::make_shared<StoredFileNotices>();
 };
 
 }  // namespace cairnfield

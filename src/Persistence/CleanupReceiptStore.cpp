@@ -1,6 +1,7 @@
 #include "Persistence/CleanupReceiptStore.h"
 
 #include "Persistence/JSONFileStore.h"
+#include "Persistence/StoredFileNames.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
@@ -15,7 +16,8 @@ using Receipts = std::vector<CleanupReceipt>;
 
 CleanupReceiptStore::CleanupReceiptStore(Executor& pool, const ApplicationSupport& support)
     : Actor(pool),
-      store_(std::make_unique<JSONFileStore<Receipts>>(pool, support, "cleanup-receipts.json", Receipts())) {}
+      store_(std::make_unique<JSONFileStore<Receipts>>(pool, support, StoredFileNames::cleanupReceipts,
+                                                       Receipts())) {}
 
 CleanupReceiptStore::~CleanupReceiptStore() = default;
 

@@ -91,6 +91,16 @@ void Setting<T>::set(T value) {
     value_.set(std::move(value));
 }
 
+template <class T>
+void Setting<T>::setWhileTyping(T value) {
+    if (std::optional<DefaultsValue> stored = Stored<T>::write(value)) {
+        defaults_.setWhileTyping(key_, *std::move(stored));
+    } else {
+        defaults_.remove(key_);
+    }
+    value_.set(std::move(value));
+}
+
 template class Setting<bool>;
 template class Setting<double>;
 template class Setting<std::int64_t>;

@@ -1,6 +1,6 @@
 #pragma once
-// Every setting of the program. Reads all of the user's defaults once, writes each change through, and tells
-// its observers when a value really changed. Main thread only. It keeps what it is given: limits and clamps
+// Every setting of the program. Reads all of the user's defaults once, hands each change on to them, which
+// write it off this thread (Platform/UserDefaults.h), and tells its observers when a value really changed. Main thread only. It keeps what it is given: limits and clamps
 // are its readers'. A stored value of another type reads as the default, and a default is never written back.
 
 #include "Models/Storage.h"
@@ -22,6 +22,9 @@ public:
 
     [[nodiscard]] const T& get() const { return value_.get(); }
     void set(T value);
+    /// The same for each of the values that follow each other as a person types, until doneTyping().
+    void setWhileTyping(T value);
+    void doneTyping() { defaults_.doneTyping(); }
     [[nodiscard]] Subscription observe(std::function<void()> observer) {
         return value_.observe(std::move(observer));
     }

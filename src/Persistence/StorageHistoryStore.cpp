@@ -1,6 +1,7 @@
 #include "Persistence/StorageHistoryStore.h"
 
 #include "Persistence/JSONFileStore.h"
+#include "Persistence/StoredFileNames.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
@@ -13,8 +14,8 @@ StorageHistoryStore::StorageHistoryStore(Executor& pool, const ApplicationSuppor
                                          double retentionDays, std::chrono::seconds minimumSpacing,
                                          std::size_t maximumSamples)
     : Actor(pool),
-      store_(std::make_unique<JSONFileStore<StorageHistoryFile>>(pool, support, "storage-history.json",
-                                                                 StorageHistoryFile())),
+      store_(std::make_unique<JSONFileStore<StorageHistoryFile>>(
+          pool, support, StoredFileNames::storageHistory, StorageHistoryFile())),
       retention_(retentionDays * 24 * 3600),
       minimumSpacing_(static_cast<double>(minimumSpacing.count())),
       maximumSamples_(maximumSamples) {}
@@ -38,7 +39,7 @@ Task<std::vector<StorageHistorySample>> StorageHistoryStore::record(StorageSnaps
         StorageHistoryFile file = co_await store_->mutate(std::move(append));
         co_return std::move(file.samples);
     } catch (const std::exception& failure) {
-        Log::persistence().error("Could not write {}: {}", "storage-history.json",
+        Log::persistence().error("Could not write {}: {}", StoredFileNames::storageHistory,
                                  visibleText(describe(failure)));
     }
     co_return std::vector<StorageHistorySample>{sample};

@@ -1,6 +1,7 @@
 #include "Persistence/WatchedFolderStore.h"
 
 #include "Persistence/JSONFileStore.h"
+#include "Persistence/StoredFileNames.h"
 
 #include <algorithm>
 #include <utility>
@@ -36,8 +37,8 @@ void applyScan(WatchedFolder& folder, const DirectoryScanResult& result) {
 WatchedFolderStore::WatchedFolderStore(Executor& pool, const ApplicationSupport& support,
                                        const WallClock& clock)
     : Actor(pool),
-      store_(std::make_unique<JSONFileStore<WatchedFolderFile>>(pool, support, "watched-folders.json",
-                                                                WatchedFolderFile())),
+      store_(std::make_unique<JSONFileStore<WatchedFolderFile>>(
+          pool, support, StoredFileNames::watchedFolders, WatchedFolderFile())),
       clock_(clock) {}
 
 WatchedFolderStore::~WatchedFolderStore() = default;

@@ -61,7 +61,7 @@ struct Program::Parts {
     DisabledUpdateService updates;
     PrintedApplication application;
     PrintedWorkspace workspace;
-    FileUserDefaults defaults{support.settingsFile()};
+    FileUserDefaults defaults{support.settingsFile(), blocking, continuousClock, support.notices()};
     SettingsStore settings{defaults};
 };
 

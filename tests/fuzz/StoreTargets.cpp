@@ -4,12 +4,14 @@
 #include "Persistence/WatchedFolderStore.h"
 #include "Platform/Linux/FileUserDefaults.h"
 #include "Services/Cleanup/RecoveryVaultService.h"
+#include "Shared/Concurrency/ThreadPool.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/Scratch.h"
 #include "fuzz/Targets.h"
 #include "support/SettableVolume.h"
 #include "support/SettableWallClock.h"
+#include "support/SteppedClock.h"
 #include "support/TemporaryDirectory.h"
 #include "support/Waiting.h"
 
@@ -27,9 +29,9 @@ namespace cairnfield {
 namespace {
 
 /// The program's folders with one stored file in them.
-class StoredFile {
+class FileInHome {
 public:
-    StoredFile(std::string_view name, std::string_view content) : name_(name), content_(content) {
+    FileInHome(std::string_view name, std::string_view content) : name_(name), content_(content) {
         scratch_.write("Cairnfield/" + name_, content);
     }
 
@@ -94,7 +96,7 @@ void setAgain(Setting<T>& setting) {
 }  // namespace
 
 void fuzzHistoryStore(std::string_view input) {
-    StoredFile stored("storage-history.json", input);
+    FileInHome stored("storage-history.json", input);
     constexpr std::size_t most = 3;
     StorageHistoryStore store(stored.loop, stored.support(), 30, std::chrono::seconds(60), most);
     const std::vector<StorageHistorySample> before = stored.wait(store.samples());
@@ -110,7 +112,7 @@ void fuzzHistoryStore(std::string_view input) {
 }
 
 void fuzzFolderStore(std::string_view input) {
-    StoredFile stored("watched-folders.json", input);
+    FileInHome stored("watched-folders.json", input);
     WatchedFolderStore store(stored.loop, stored.support(), stored.clock);
     const WatchedFolderFile before = stored.wait(store.load());
     promise(decodes<WatchedFolderFile>(input) || before == WatchedFolderFile(),
@@ -137,7 +139,7 @@ void fuzzFolderStore(std::string_view input) {
 }
 
 void fuzzReceiptStore(std::string_view input) {
-    StoredFile stored("cleanup-receipts.json", input);
+    FileInHome stored("cleanup-receipts.json", input);
     CleanupReceiptStore store(stored.loop, stored.support());
     const std::vector<CleanupReceipt> before = stored.wait(store.all());
     promise(decodes<std::vector<CleanupReceipt>>(input) || before.empty(),
@@ -157,7 +159,7 @@ void fuzzReceiptStore(std::string_view input) {
 }
 
 void fuzzVault(std::string_view input) {
-    StoredFile stored("recovery-vault.json", input);
+    FileInHome stored("recovery-vault.json", input);
     const FilePath mine = stored.addBeside("mine");
     const SettableVolume volume;
     RecoveryVaultService vault(stored.loop, stored.support(), volume, stored.clock, 1000);
@@ -185,15 +187,18 @@ void fuzzVault(std::string_view input) {
 }
 
 void fuzzSettings(std::string_view input) {
-    StoredFile stored("settings.json", input);
-    FileUserDefaults defaults(stored.file());
+    FileInHome stored("settings.json", input);
+    ThreadPool background(1);
+    SteppedClock clock;
+    FileUserDefaults defaults(stored.file(), background, clock);
     SettingsStore settings(defaults);
     promise(stored.isUntouched(), "reading changes nothing");
 
     const auto values = valuesOf(settings);
     std::apply([](auto&... setting) { (setAgain(setting), ...); }, settingsOf(settings));
     promise(valuesOf(settings) == values, "a value that is set again is the same");
-    FileUserDefaults defaultsAfter(stored.file());
+    defaults.flushBlocking();
+    FileUserDefaults defaultsAfter(stored.file(), background, clock);
     const SettingsStore after(defaultsAfter);
     promise(valuesOf(after) == values, "what was written reads the same");
     if (settings.thresholdMode.get() == ThresholdMode::percentage)

@@ -18,11 +18,17 @@ public:
     void set(std::string_view key, DefaultsValue value) override {
         values.insert_or_assign(std::string(key), std::move(value));
     }
+    void setWhileTyping(std::string_view key, DefaultsValue value) override {
+        isTyping = true;
+        set(key, std::move(value));
+    }
+    void doneTyping() override { isTyping = false; }
     void remove(std::string_view key) override {
         if (const auto found = values.find(key); found != values.end()) values.erase(found);
     }
 
     std::map<std::string, DefaultsValue, std::less<>> values;
+    bool isTyping = false;  ///< the last value is one that need not be on disk yet
 };
 
 }  // namespace cairnfield

@@ -235,7 +235,7 @@ class Preferences(UITestCase):
             self.assertIsNone(app.find_now(hidden))
         self.assertIsNone(app.find_now(lambda name: name.startswith("Last checked")))
 
-    def test_stores_the_prefix_as_it_is_typed(self):
+    def test_stores_the_prefix_when_the_typing_pauses(self):
         app = self.start()
         self.assertEqual(self.text_of(app, "Prefix"), "cairnfield/recovery")
         self.type_into(app, "Prefix", "keep/me", end=None)

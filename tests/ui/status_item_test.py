@@ -142,6 +142,13 @@ class StatusItem(UITestCase):
         app.key("Up", "Up", "Up", "Up")
         app.wait(lambda: focused() == "Quit Cairnfield", "the last action to have the keyboard")
 
+    def stores_monitoring(self):
+        try:
+            with open(self.config("settings.json"), encoding="utf-8") as file:
+                return "onitoringEnabled" in file.read()
+        except FileNotFoundError:
+            return False
+
     def test_pauses_and_resumes_in_panel_and_menu_alike(self):
         panel = self.panel()
         app = self.start_on(panel)
@@ -149,8 +156,7 @@ class StatusItem(UITestCase):
         app.press(app.find(PAUSE, below=frame))
         app.find(RESUME, below=frame)
         app.wait(lambda: RESUME in panel.labels(), "the menu to follow")
-        with open(self.config("settings.json"), encoding="utf-8") as file:
-            self.assertIn("onitoringEnabled", file.read())
+        app.wait(self.stores_monitoring, "the choice to be stored")
         panel.choose(RESUME)
         app.find(PAUSE, below=frame)
         self.assertEqual(panel.labels(), ["Scan now", "Review cleanup", "Open Cairnfield", PAUSE, "---", "Quit Cairnfield"])

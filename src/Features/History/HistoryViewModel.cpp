@@ -4,6 +4,7 @@
 #include "Features/ItemLists/RecordOfRow.h"
 #include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
+#include "Persistence/StoredFileNames.h"
 
 #include <QPointer>
 
@@ -46,7 +47,9 @@ HistoryViewModel::HistoryViewModel(AppModel& model, Workspace& workspace, Pasteb
         say({});
         updateDetail();
     });
-    subscription_ = model_.state().receipts.observe([this] { updateTimer_.start(); });
+    const auto observer = [this] { updateTimer_.start(); };
+    subscriptions_.push_back(model_.state().receipts.observe(observer));
+    subscriptions_.push_back(model_.state().storedFileNotices.observe(observer));
     flush();
 }
 
@@ -59,6 +62,10 @@ void HistoryViewModel::flush() {
     selection_.rowsChanged();
     updateDetail();
     emit screenChanged();
+}
+
+QString HistoryViewModel::fileNotice() const {
+    return shown(model_.storedFileNotice(StoredFileNames::cleanupReceipts));
 }
 
 const CleanupReceipt* HistoryViewModel::selected() const {

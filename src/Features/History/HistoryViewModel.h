@@ -62,6 +62,7 @@ class HistoryViewModel final : public QObject {
     QML_UNCREATABLE("Made with the window")
     Q_PROPERTY(bool showsList READ showsList NOTIFY screenChanged)
     Q_PROPERTY(QString notice READ notice NOTIFY screenChanged)
+    Q_PROPERTY(QString fileNotice READ fileNotice NOTIFY screenChanged)
     Q_PROPERTY(cairnfield::ItemListModel* rows READ rows CONSTANT)
     Q_PROPERTY(cairnfield::RowSelection* selection READ selection CONSTANT)
     Q_PROPERTY(cairnfield::ReceiptDetail detail READ detail NOTIFY detailChanged)
@@ -74,6 +75,8 @@ public:
     [[nodiscard]] bool showsList() const { return rows_.rowCount() > 0; }
     /// Why the last thing asked for did not come about; empty when it did.
     [[nodiscard]] QString notice() const { return notice_; }
+    /// What should be known about the file of the receipts; empty while all is well.
+    [[nodiscard]] QString fileNotice() const;
     [[nodiscard]] ItemListModel* rows() { return &rows_; }
     [[nodiscard]] RowSelection* selection() { return &selection_; }
     [[nodiscard]] ReceiptDetail detail() const { return detail_; }
@@ -102,7 +105,7 @@ private:
     ReceiptDetail detail_;
     QString notice_;
     QTimer updateTimer_;
-    Subscription subscription_;
+    std::vector<Subscription> subscriptions_;
 };
 
 }  // namespace cairnfield

@@ -55,6 +55,10 @@ FocusScope {
                 text: view.viewModel.totalText
                 color: Theme.textSecondary
             }
+            FileNotice {
+                Layout.topMargin: Theme.spaceSmall
+                text: view.viewModel.fileNotice
+            }
         }
         Divider {}
         ColumnLayout {

@@ -2,6 +2,7 @@
 
 #include "Features/Presentation/QtText.h"
 #include "Features/Presentation/Tints.h"
+#include "Persistence/StoredFileNames.h"
 #include "Services/Updates/UpdateChecking.h"
 #include "Shared/Formatting/ByteFormatting.h"
 #include "Shared/Text/Text.h"
@@ -32,6 +33,7 @@ MenuBarViewModel::MenuBarViewModel(AppModel& model, Application& application, QO
     subscriptions_.push_back(state.isMonitoring.observe(observer));
     subscriptions_.push_back(state.worktrees.observe(observer));
     subscriptions_.push_back(state.watchedFolders.observe(observer));
+    subscriptions_.push_back(state.storedFileNotices.observe(observer));
     SettingsStore& settings = model_.settings();
     subscriptions_.push_back(settings.thresholdMode.observe(observer));
     subscriptions_.push_back(settings.warningPercentage.observe(observer));
@@ -63,6 +65,10 @@ QString MenuBarViewModel::levelSymbolName() const {
 
 QString MenuBarViewModel::levelTint() const {
     return shown(tintName(model_.storageLevel()));
+}
+
+QString MenuBarViewModel::fileNotice() const {
+    return shown(model_.storedFileNotice(StoredFileNames::storageHistory));
 }
 
 QString MenuBarViewModel::reclaimableText() const {

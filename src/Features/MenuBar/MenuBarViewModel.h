@@ -25,6 +25,7 @@ class MenuBarViewModel final : public QObject {
     Q_PROPERTY(QString levelText READ levelText NOTIFY changed)
     Q_PROPERTY(QString levelSymbolName READ levelSymbolName NOTIFY changed)
     Q_PROPERTY(QString levelTint READ levelTint NOTIFY changed)
+    Q_PROPERTY(QString fileNotice READ fileNotice NOTIFY changed)
     Q_PROPERTY(QString reclaimableText READ reclaimableText NOTIFY changed)
     Q_PROPERTY(QString attentionText READ attentionText NOTIFY changed)
     Q_PROPERTY(bool showsFolder READ showsFolder NOTIFY changed)
@@ -42,6 +43,8 @@ public:
     [[nodiscard]] QString levelText() const;
     [[nodiscard]] QString levelSymbolName() const;
     [[nodiscard]] QString levelTint() const;
+    /// What should be known about the file of the readings; empty while all is well.
+    [[nodiscard]] QString fileNotice() const;
 
     // The summary.
     [[nodiscard]] QString reclaimableText() const;

@@ -29,6 +29,9 @@ ScreenView {
             width: Math.min(area.width - 2 * Theme.pageMargin, Theme.formWidth)
             spacing: Theme.pageMargin
 
+            FileNotice {
+                text: view.viewModel.fileNotice
+            }
             FreeSpaceSection {
                 viewModel: view.viewModel
             }

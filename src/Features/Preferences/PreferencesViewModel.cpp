@@ -1,6 +1,7 @@
 #include "Features/Preferences/PreferencesViewModel.h"
 
 #include "Features/Presentation/QtText.h"
+#include "Persistence/StoredFileNames.h"
 #include "Services/Storage/ThresholdRecommendationService.h"
 #include "Services/Updates/AppVersion.h"
 #include "Services/Updates/UpdateChecking.h"
@@ -54,6 +55,7 @@ PreferencesViewModel::PreferencesViewModel(AppModel& model, const WallClock& clo
     const AppState& state = model.state();
     const auto freeSpace = [this] { emit freeSpaceChanged(); };
     const auto notifications = [this] { emit notificationsChanged(); };
+    subscriptions_.push_back(state.storedFileNotices.observe([this] { emit fileNoticeChanged(); }));
     subscriptions_.push_back(state.storage.observe(freeSpace));
     subscriptions_.push_back(settings_.thresholdMode.observe(freeSpace));
     subscriptions_.push_back(settings_.warningPercentage.observe(freeSpace));
@@ -66,6 +68,10 @@ PreferencesViewModel::PreferencesViewModel(AppModel& model, const WallClock& clo
     subscriptions_.push_back(state.notificationAuthorizationDenied.observe(notifications));
     subscriptions_.push_back(model.updates().observe([this] { emit updatesChanged(); }));
     subscriptions_.push_back(settings_.recoveryBranchPrefix.observe([this] { emit branchPrefixChanged(); }));
+}
+
+QString PreferencesViewModel::fileNotice() const {
+    return shown(model_.storedFileNotice(StoredFileNames::settings));
 }
 
 QStringList PreferencesViewModel::thresholdModes() {
@@ -125,7 +131,11 @@ QString PreferencesViewModel::branchPrefix() const {
 }
 
 void PreferencesViewModel::setBranchPrefix(const QString& prefix) {
-    settings_.recoveryBranchPrefix.set(prefix.toStdString());
+    settings_.recoveryBranchPrefix.setWhileTyping(prefix.toStdString());
+}
+
+void PreferencesViewModel::doneTyping() {
+    settings_.recoveryBranchPrefix.doneTyping();
 }
 
 void PreferencesViewModel::chooseThresholdMode(int index) {

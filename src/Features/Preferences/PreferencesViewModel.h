@@ -1,6 +1,6 @@
 #pragma once
 // What the screen of the settings shows and does. Nothing is saved at the end: each change takes effect when
-// it is made. Main thread only.
+// it is made, though what is typed is not stored with every letter. Main thread only.
 
 #include "App/AppModel.h"
 #include "Features/Preferences/SettingModels.h"
@@ -17,6 +17,7 @@ class PreferencesViewModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made with the window")
+    Q_PROPERTY(QString fileNotice READ fileNotice NOTIFY fileNoticeChanged)
     // Free space alerts.
     Q_PROPERTY(QStringList thresholdModes READ thresholdModes CONSTANT)
     Q_PROPERTY(int thresholdModeIndex READ thresholdModeIndex NOTIFY freeSpaceChanged)
@@ -57,6 +58,8 @@ public:
                          const BundleInformation& bundle = BundleInformation::ofThisProgram(),
                          QObject* parent = nullptr);
 
+    /// What should be known about the file of the settings; empty while all is well.
+    [[nodiscard]] QString fileNotice() const;
     [[nodiscard]] static QStringList thresholdModes();
     [[nodiscard]] int thresholdModeIndex() const;
     [[nodiscard]] QString thresholdMode() const;  ///< its raw value
@@ -90,7 +93,9 @@ public:
     [[nodiscard]] SwitchSetting* draftPullRequests() { return &draftPullRequests_; }
     [[nodiscard]] SwitchSetting* smallLocalFiles() { return &smallLocalFiles_; }
     [[nodiscard]] QString branchPrefix() const;
+    /// As it is typed: it is in force at once, and stored after a pause or when the typing is done.
     void setBranchPrefix(const QString& prefix);
+    Q_INVOKABLE void doneTyping();
     [[nodiscard]] SteppedSetting* vaultRetention() { return &vaultRetention_; }
 
     Q_INVOKABLE void chooseThresholdMode(int index);
@@ -106,6 +111,7 @@ public:
     Q_INVOKABLE void refresh();
 
 signals:
+    void fileNoticeChanged();
     void freeSpaceChanged();
     void monitoringChanged();
     void launchAtLoginChanged();

@@ -31,6 +31,7 @@ FormSection {
             implicitWidth: Theme.searchMinimumWidth
             text: section.viewModel.branchPrefix
             onTextEdited: section.viewModel.branchPrefix = text
+            onEditingFinished: section.viewModel.doneTyping()
         }
     }
     StepperSettingRow {

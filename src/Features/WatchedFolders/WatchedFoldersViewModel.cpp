@@ -1,6 +1,7 @@
 #include "Features/WatchedFolders/WatchedFoldersViewModel.h"
 
 #include "Features/Presentation/QtText.h"
+#include "Persistence/StoredFileNames.h"
 #include "Shared/Paths/TypedPath.h"
 #include "Shared/Text/Text.h"
 
@@ -36,6 +37,7 @@ WatchedFoldersViewModel::WatchedFoldersViewModel(AppModel& model, Workspace& wor
     subscriptions_.push_back(state.folderScanResults.observe(observer));
     subscriptions_.push_back(state.scanningFolderIDs.observe(observer));
     subscriptions_.push_back(state.folderError.observe(observer));
+    subscriptions_.push_back(state.storedFileNotices.observe(observer));
     flush();
 }
 
@@ -51,6 +53,10 @@ QString WatchedFoldersViewModel::emptySymbolName() const {
 }
 QString WatchedFoldersViewModel::emptyActionTitle() const {
     return "Add folder…";
+}
+
+QString WatchedFoldersViewModel::fileNotice() const {
+    return shown(model_.storedFileNotice(StoredFileNames::watchedFolders));
 }
 
 void WatchedFoldersViewModel::flush() {

@@ -29,6 +29,7 @@ class WatchedFoldersViewModel final : public QObject {
     Q_PROPERTY(QString emptySymbolName READ emptySymbolName CONSTANT)
     Q_PROPERTY(QString emptyActionTitle READ emptyActionTitle CONSTANT)
     Q_PROPERTY(QString notice READ notice NOTIFY screenChanged)
+    Q_PROPERTY(QString fileNotice READ fileNotice NOTIFY screenChanged)
     Q_PROPERTY(cairnfield::WatchedFolderListModel* rows READ rows CONSTANT)
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectionChanged)
     Q_PROPERTY(bool canRemove READ canRemove NOTIFY selectionChanged)
@@ -48,6 +49,8 @@ public:
     [[nodiscard]] QString emptyActionTitle() const;
     /// What went wrong with the last thing asked for; empty when nothing did.
     [[nodiscard]] QString notice() const { return notice_; }
+    /// What should be known about the file of the folders; empty while all is well.
+    [[nodiscard]] QString fileNotice() const;
 
     [[nodiscard]] WatchedFolderListModel* rows() { return &rows_; }
     [[nodiscard]] const std::optional<UUID>& selection() const { return selection_; }

@@ -1,9 +1,5 @@
 #include "Platform/Linux/FileUserDefaults.h"
 
-#include "Shared/Errors/CairnfieldError.h"
-#include "Shared/Files/AtomicFile.h"
-#include "Shared/Files/Files.h"
-#include "Shared/Logging/Log.h"
 #include "Shared/Text/Base64.h"
 #include "Shared/Text/Text.h"
 
@@ -76,15 +72,10 @@ std::optional<DefaultsValue> valueOf(const Json& json) {
 
 }  // namespace
 
-FileUserDefaults::FileUserDefaults(FilePath file) : file_(std::move(file)) {
-    AtomicFile::removeLeftovers(file_);
-    try {
-        const std::optional<std::string> bytes = readFile(file_);
-        if (bytes) values_ = parsedObject(*bytes);
-    } catch (const std::exception& failure) {
-        Log::persistence().error("Failed to decode {}: {}", visibleText(file_.lastComponent()),
-                                 visibleText(describe(failure)));
-    }
+FileUserDefaults::FileUserDefaults(FilePath file, Executor& background, ContinuousClock& clock,
+                                   std::shared_ptr<StoredFileNotices> notices)
+    : file_(std::move(file), std::move(notices)), writer_(file_, background, clock) {
+    file_.read([this](const std::string& bytes) { values_ = parsedObject(bytes); });
 }
 
 std::optional<DefaultsValue> FileUserDefaults::value(std::string_view key) const {
@@ -95,21 +86,20 @@ std::optional<DefaultsValue> FileUserDefaults::value(std::string_view key) const
 
 void FileUserDefaults::set(std::string_view key, DefaultsValue value) {
     values_[std::string(key)] = std::visit(ToJSON{}, value);
-    write();
+    writer_.write(text());
+}
+
+void FileUserDefaults::setWhileTyping(std::string_view key, DefaultsValue value) {
+    values_[std::string(key)] = std::visit(ToJSON{}, value);
+    writer_.writeAfterPause(text());
 }
 
 void FileUserDefaults::remove(std::string_view key) {
-    if (values_.erase(std::string(key)) > 0) write();
+    if (values_.erase(std::string(key)) > 0) writer_.write(text());
 }
 
-void FileUserDefaults::write() const {
-    try {
-        ensureDirectory(file_.parent());
-        AtomicFile::write(file_, values_.dump(2) + "\n");
-    } catch (const std::exception& failure) {
-        Log::persistence().error("Could not write {}: {}", visibleText(file_.lastComponent()),
-                                 visibleText(describe(failure)));
-    }
+std::string FileUserDefaults::text() const {
+    return values_.dump(2) + "\n";
 }
 
 }  // namespace cairnfield

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
@@ -67,6 +68,20 @@ public:
         name_.clear();
     }
 
+    /// False when something has the name.
+    bool appearAs(const FilePath& target) {
+        if (link(name_.c_str(), target.c_str()) == 0) return true;  // the first name goes with this object
+        if (errno == EEXIST) return false;
+        // Not every file system gives a file two names.
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) fail(errno, target);
+        if (renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) != 0) {
+            if (errno == EEXIST) return false;
+            fail(errno, target);
+        }
+        name_.clear();
+        return true;
+    }
+
 private:
     std::string name_;  ///< empty once it has replaced the target
     FileDescriptor descriptor_;
@@ -98,6 +113,17 @@ void write(const FilePath& target, std::string_view bytes) {
     file.sync();
     file.replace(target);
     syncFolder(target);
+}
+
+bool writeNew(const FilePath& target, std::string_view bytes) {
+    {
+        TemporaryFile file(target);
+        file.append(bytes);
+        file.sync();
+        if (!file.appearAs(target)) return false;
+    }
+    syncFolder(target);
+    return true;
 }
 
 void removeLeftovers(const FilePath& target) {

@@ -17,6 +17,10 @@ namespace cairnfield::AtomicFile {
 /// the new file is in place by then.
 void write(const FilePath& target, std::string_view bytes);
 
+/// Makes a file that is not there yet, in the same way. False when something has the name: nothing is changed
+/// then. Throws as write() does.
+[[nodiscard]] bool writeNew(const FilePath& target, std::string_view bytes);
+
 /// Deletes temporary files of `target` that a crash left. Failures are one log line. Not while the target is
 /// written.
 void removeLeftovers(const FilePath& target);

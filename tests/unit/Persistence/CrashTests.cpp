@@ -36,11 +36,15 @@ std::string nameOf(std::int64_t call) {
     return place == names.end() ? "" : place->second;
 }
 
+void writeTo(const FilePath& file, const Json& value) {
+    StoredFile stored(file);
+    JSONFile::write(stored, value);
+}
+
 /// A child process in the middle of writing the new value.
 class SteppedWrite : public SteppedChild {
 public:
-    explicit SteppedWrite(const FilePath& file)
-        : SteppedChild([&file] { JSONFile::write(file, newValue); }) {}
+    explicit SteppedWrite(const FilePath& file) : SteppedChild([&file] { writeTo(file, newValue); }) {}
 };
 
 std::set<std::string> namesIn(const FilePath& folder) {
@@ -51,8 +55,8 @@ std::set<std::string> namesIn(const FilePath& folder) {
 }
 
 std::optional<Json> contentIn(const FilePath& file) {
-    std::optional<Json> content;
-    JSONFile::read(file, [&](const Json& json) { content = json; });
+    Json content = Json::parse(contentOf(file), nullptr, false);
+    if (content.is_discarded()) return std::nullopt;
     return content;
 }
 
@@ -63,7 +67,7 @@ TEST(Crash, AtEveryStepOfAWriteLeavesTheOldOrTheNewFileWhole) {
     for (int steps = 0; steps < 1000; ++steps) {
         const TemporaryDirectory home;
         const FilePath file = home / "note.json";
-        JSONFile::write(file, oldValue);
+        writeTo(file, oldValue);
         SteppedWrite child(file);
         const bool running = child.step(steps);
         child.kill();
@@ -109,7 +113,7 @@ TEST(Crash, InTheFirstWriteLeavesNoFileOrAWholeOne) {
 TEST(PowerCut, FindsTheBytesOnDiskBeforeTheNameAndTheNameBeforeTheEnd) {
     const TemporaryDirectory home;
     const FilePath file = home / "note.json";
-    JSONFile::write(file, oldValue);
+    writeTo(file, oldValue);
     SteppedWrite child(file);
     std::vector<std::string> calls;
     while (child.step()) {
@@ -118,6 +122,39 @@ TEST(PowerCut, FindsTheBytesOnDiskBeforeTheNameAndTheNameBeforeTheEnd) {
     }
     EXPECT_THAT(calls, ElementsAre("write", "fsync", "rename", "fsync"));
     EXPECT_EQ(contentIn(file), newValue);
+}
+
+TEST(Crash, WhileADamagedFileIsReplacedLosesNothingOfIt) {
+    const std::string damaged = "{\"value\": \"o";
+    int kept = 0;
+    int replaced = 0;
+    for (int steps = 0; steps < 1000; ++steps) {
+        const TemporaryDirectory home;
+        const FilePath file = home.write("note.json", damaged);
+        SteppedChild child([&file] {
+            StoredFile stored(file);
+            JSONFile::read(stored, [](const Json&) {});
+            JSONFile::write(stored, newValue);
+        });
+        const bool running = child.step(steps);
+        child.kill();
+
+        const FilePath keptFile = home / "note.json.damaged";
+        const bool isKept = fs::exists(keptFile.bytes());
+        if (isKept) ASSERT_EQ(contentOf(keptFile), damaged) << "killed after " << steps << " steps";
+        const bool isReplaced = contentIn(file) == newValue;
+        ASSERT_TRUE(isReplaced ? isKept : contentOf(file) == damaged) << "killed after " << steps << " steps";
+        kept += isKept && !isReplaced ? 1 : 0;
+        replaced += isReplaced ? 1 : 0;
+        if (running) continue;
+
+        EXPECT_EQ(child.exitStatus(), 0);
+        EXPECT_TRUE(isReplaced);
+        EXPECT_GE(kept, 1) << "steps between the two";
+        EXPECT_GE(replaced, 1);
+        return;
+    }
+    FAIL() << "the write never ended";
 }
 
 }  // namespace

@@ -116,6 +116,41 @@ TEST_F(JSONFileStoreTest, ReplacesABrokenFileWithTheNextSave) {
     EXPECT_EQ(load(), defaultNote);
     save(someNote);
     EXPECT_EQ(loadAgain(), someNote);
+    EXPECT_EQ(contentOf(home / "data/Cairnfield/note.json.damaged"),
+              "{\"text\":\"some\",\"count\":7,\"writtenAt\":\"1970-01-01T00:00:02Z\"");
+}
+
+TEST_F(JSONFileStoreTest, KeepsABrokenFileThatIsReplacedWithoutALoad) {
+    writeFile("garbage");
+    save(someNote);
+    EXPECT_EQ(contentOf(home / "data/Cairnfield/note.json.damaged"), "garbage");
+    EXPECT_THAT(support.notices()->all(), testing::Contains(testing::Key("note.json")));
+}
+
+TEST_F(JSONFileStoreTest, ChangesWhatAFileHoldsThatCouldNotBeReadAtFirst) {
+    blockWrites();
+    EXPECT_EQ(load(), defaultNote);
+    EXPECT_THROW(mutate([](Note& note) { note.count = 9; }), std::system_error);
+    EXPECT_TRUE(fs::is_directory(file.bytes()));
+    fs::remove(file.bytes());
+    writeFile("{\"text\":\"some\",\"count\":7,\"writtenAt\":\"1970-01-01T00:00:02Z\"}");
+    EXPECT_EQ(load(), defaultNote) << "only a change asks again";
+    Note changed = someNote;
+    changed.count = 8;
+    EXPECT_EQ(mutate([](Note& note) { note.count += 1; }), changed);
+    EXPECT_EQ(loadAgain(), changed);
+    EXPECT_THAT(support.notices()->all(), testing::IsEmpty());
+}
+
+TEST_F(JSONFileStoreTest, TellsAStoredValueFromTheDefault) {
+    EXPECT_FALSE(waitFor(pool, store.hasStoredValue()));
+    save(defaultNote);
+    EXPECT_TRUE(waitFor(pool, store.hasStoredValue()));
+    JSONFileStore<Note> next(pool, support, "note.json", defaultNote);
+    EXPECT_TRUE(waitFor(pool, next.hasStoredValue()));
+    writeFile("garbage");
+    JSONFileStore<Note> last(pool, support, "note.json", defaultNote);
+    EXPECT_FALSE(waitFor(pool, last.hasStoredValue()));
 }
 
 TEST_F(JSONFileStoreTest, ReadsAFolderInItsPlaceAsTheDefault) {

@@ -176,5 +176,16 @@ TEST_F(HistoryScreen, ShowsTheEmptyStateForAFileThatCannotBeReadAndLeavesItThere
     }
 }
 
+TEST_F(HistoryScreen, SaysWhatShouldBeKnownAboutItsFileAndNoOther) {
+    EXPECT_EQ(screen.fileNotice(), "");
+    state().storedFileNotices.set(
+        {{"cleanup-receipts.json", "It is kept."}, {"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "It is kept.");
+    state().storedFileNotices.set({{"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "");
+}
+
 }  // namespace
 }  // namespace cairnfield

@@ -203,5 +203,16 @@ TEST_F(MenuBarScreen, TellsOnceForManyChanges) {
     EXPECT_EQ(changes.count(), 1);
 }
 
+TEST_F(MenuBarScreen, SaysWhatShouldBeKnownAboutItsFileAndNoOther) {
+    EXPECT_EQ(screen.fileNotice(), "");
+    state().storedFileNotices.set(
+        {{"storage-history.json", "It is kept."}, {"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "It is kept.");
+    state().storedFileNotices.set({{"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "");
+}
+
 }  // namespace
 }  // namespace cairnfield

@@ -268,5 +268,23 @@ TEST_F(PreferencesScreen, BindsWhatIsPreserved) {
     EXPECT_EQ(changes.count(), 2);
 }
 
+TEST_F(PreferencesScreen, SaysWhatShouldBeKnownAboutTheFileOfTheSettings) {
+    const SignalCount changes(&screen, &PreferencesViewModel::fileNoticeChanged);
+    EXPECT_EQ(screen.fileNotice(), "");
+    state().storedFileNotices.set({{"settings.json", "It is kept."}, {"other.json", "not shown here"}});
+    EXPECT_EQ(screen.fileNotice(), "It is kept.");
+    EXPECT_EQ(changes.count(), 1);
+}
+
+TEST_F(PreferencesScreen, StoresWhatIsTypedWhenTheTypingIsDone) {
+    screen.setBranchPrefix("m");
+    screen.setBranchPrefix("mine");
+    EXPECT_EQ(app.settings.recoveryBranchPrefix.get(), "mine") << "in force at once";
+    EXPECT_TRUE(app.defaults.isTyping);
+    screen.doneTyping();
+    EXPECT_FALSE(app.defaults.isTyping);
+    EXPECT_EQ(app.defaults.value("recoveryBranchPrefix"), DefaultsValue(std::string("mine")));
+}
+
 }  // namespace
 }  // namespace cairnfield

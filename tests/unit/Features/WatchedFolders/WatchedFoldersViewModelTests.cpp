@@ -242,5 +242,16 @@ TEST_F(WatchedFoldersScreen, FollowsTheStateInTheNextTurnOfTheLoop) {
     EXPECT_TRUE(screen.showsList());
 }
 
+TEST_F(WatchedFoldersScreen, SaysWhatShouldBeKnownAboutItsFileAndNoOther) {
+    EXPECT_EQ(screen.fileNotice(), "");
+    state().storedFileNotices.set(
+        {{"watched-folders.json", "It is kept."}, {"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "It is kept.");
+    state().storedFileNotices.set({{"other.json", "not shown here"}});
+    screen.flush();
+    EXPECT_EQ(screen.fileNotice(), "");
+}
+
 }  // namespace
 }  // namespace cairnfield
