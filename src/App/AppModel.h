@@ -95,7 +95,7 @@ public:
     Task<ReviewLook> lookForReview(Worktree worktree, std::stop_token abandoned);  ///< off the main thread
     /// Runs to its end, whatever is cancelled. Absent when git is unusable: nothing ran.
     Task<std::optional<CleanupReceipt>> execute(CleanupPlan plan);
-    Task<> removeVaultEntry(RecoveryVaultEntry entry);
+    Task<std::optional<std::string>> removeVaultEntry(RecoveryVaultEntry entry);  ///< gives what to say of it
     Task<> restoreVaultEntry(RecoveryVaultEntry entry, FilePath destination);  ///< throws as the vault does
 
     // The desktop.

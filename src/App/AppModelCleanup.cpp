@@ -107,9 +107,13 @@ Task<> AppModel::reloadCleanupRecords() {
     state_.vaultEntries.set(std::move(entries));
 }
 
-Task<> AppModel::removeVaultEntry(RecoveryVaultEntry entry) {
+Task<std::optional<std::string>> AppModel::removeVaultEntry(RecoveryVaultEntry entry) {
+    std::optional<std::string> note;
     try {
-        co_await cleanup_->vault.remove(std::move(entry));
+        const std::optional<FilePath> staying = co_await cleanup_->vault.remove(std::move(entry));
+        if (staying)
+            note = "The entry is gone. The file that it named stays, since it is none of the vault's: " +
+                   staying->display();
     } catch (const Cancelled&) {
         throw;
     } catch (const std::exception& error) {
@@ -117,6 +121,7 @@ Task<> AppModel::removeVaultEntry(RecoveryVaultEntry entry) {
     }
     std::vector<RecoveryVaultEntry> entries = co_await cleanup_->vault.entries();
     state_.vaultEntries.set(std::move(entries));
+    co_return note;
 }
 
 Task<> AppModel::restoreVaultEntry(RecoveryVaultEntry entry, FilePath destination) {

@@ -15,7 +15,7 @@ struct RecoveryVaultEntry {
     UUID id;
     UUID receiptID;  ///< of the call that archived it, and the name of its directory; not of a CleanupReceipt
     std::string repositoryName;
-    FilePath originalWorktreePath;
+    FilePath originalWorktreePath;   ///< empty when isFound(), like the name
     FilePath relativePath;           ///< inside that worktree
     FilePath storedPath;             ///< of the copy, absolute
     std::int64_t sizeBytes = 0;      ///< at review
@@ -23,6 +23,9 @@ struct RecoveryVaultEntry {
     std::string reason;              ///< why it was kept, in words for the person
     Date archivedAt;
     std::optional<Date> expiresAt;  ///< for the person to know; nothing goes by itself
+
+    /// Whether it was made for a copy that no entry named, so that it is not known where that came from.
+    [[nodiscard]] bool isFound() const { return originalWorktreePath.isEmpty() && repositoryName.empty(); }
 
     friend bool operator==(const RecoveryVaultEntry&, const RecoveryVaultEntry&) = default;
 };

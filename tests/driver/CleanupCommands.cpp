@@ -83,8 +83,10 @@ Task<> restoreFromVault(AppModel& model, JsonLines& lines, UUID id, FilePath des
 
 Task<> removeFromVault(AppModel& model, JsonLines& lines, UUID id) {
     RecoveryVaultEntry entry = entryOf(model, id);
-    co_await model.removeVaultEntry(std::move(entry));
-    lines.print("result", {{"entries", model.state().vaultEntries.get()}});
+    const std::optional<std::string> note = co_await model.removeVaultEntry(std::move(entry));
+    Json fields{{"entries", model.state().vaultEntries.get()}};
+    if (note) fields["note"] = *note;
+    lines.print("result", std::move(fields));
 }
 
 }  // namespace cairnfield

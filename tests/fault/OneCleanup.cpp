@@ -41,7 +41,9 @@ public:
         co_return entries;
     }
     Task<std::vector<RecoveryVaultEntry>> entries() override { return vault_.entries(); }
-    Task<> remove(RecoveryVaultEntry entry) override { return vault_.remove(std::move(entry)); }
+    Task<std::optional<FilePath>> remove(RecoveryVaultEntry entry) override {
+        return vault_.remove(std::move(entry));
+    }
     Task<> restore(RecoveryVaultEntry entry, FilePath destination) override {
         return vault_.restore(std::move(entry), std::move(destination));
     }

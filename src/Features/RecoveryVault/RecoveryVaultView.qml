@@ -27,6 +27,12 @@ ScreenView {
             tint: Theme.orange
             visible: text !== ""
         }
+        FileNotice {
+            Layout.topMargin: Theme.spaceLarge
+            Layout.leftMargin: Theme.pageMargin
+            Layout.rightMargin: Theme.pageMargin
+            text: view.viewModel.fileNotice
+        }
         EmptyStateView {
             Layout.fillWidth: true
             Layout.fillHeight: true

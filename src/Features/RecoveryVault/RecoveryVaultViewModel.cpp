@@ -3,6 +3,7 @@
 #include "Features/ItemLists/RecordOfRow.h"
 #include "Features/Presentation/QtText.h"
 #include "Features/RecoveryVault/VaultTexts.h"
+#include "Persistence/StoredFileNames.h"
 #include "Shared/Concurrency/Cancelled.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
@@ -40,6 +41,12 @@ Task<> restoreWithoutAWord(AppModel& model, RecoveryVaultEntry entry, FilePath d
     }
 }
 
+// The screen may be gone by then.
+Task<> removeAndSay(QPointer<RecoveryVaultViewModel> screen, AppModel& model, RecoveryVaultEntry entry) {
+    const std::optional<std::string> note = co_await model.removeVaultEntry(std::move(entry));
+    if (screen) screen->say(shown(note.value_or("")));
+}
+
 }  // namespace
 
 RecoveryVaultViewModel::RecoveryVaultViewModel(AppModel& model, Workspace& workspace, SavePanel& savePanel,
@@ -48,7 +55,9 @@ RecoveryVaultViewModel::RecoveryVaultViewModel(AppModel& model, Workspace& works
     updateTimer_.setSingleShot(true);
     updateTimer_.setInterval(0);
     connect(&updateTimer_, &QTimer::timeout, this, &RecoveryVaultViewModel::flush);
-    subscription_ = model_.state().vaultEntries.observe([this] { updateTimer_.start(); });
+    const auto observer = [this] { updateTimer_.start(); };
+    subscriptions_.push_back(model_.state().vaultEntries.observe(observer));
+    subscriptions_.push_back(model_.state().storedFileNotices.observe(observer));
     flush();
 }
 
@@ -63,6 +72,10 @@ void RecoveryVaultViewModel::flush() {
     emit screenChanged();
 }
 
+QString RecoveryVaultViewModel::fileNotice() const {
+    return shown(model_.storedFileNotice(StoredFileNames::recoveryVault));
+}
+
 const RecoveryVaultEntry* RecoveryVaultViewModel::entryAt(int row) const {
     return recordOfRow(rows_, row, model_.state().vaultEntries.get());
 }
@@ -71,10 +84,13 @@ void RecoveryVaultViewModel::reveal(int row) {
     const RecoveryVaultEntry* entry = entryAt(row);
     if (!entry) return;
     workspace_.reveal(entry->storedPath, [self = QPointer(this)](const std::optional<std::string>& problem) {
-        if (!self) return;
-        self->notice_ = shown(problem.value_or(""));
-        emit self->screenChanged();
+        if (self) self->say(shown(problem.value_or("")));
     });
+}
+
+void RecoveryVaultViewModel::say(const QString& notice) {
+    notice_ = notice;
+    emit screenChanged();
 }
 
 void RecoveryVaultViewModel::restore(int row) {
@@ -97,7 +113,7 @@ void RecoveryVaultViewModel::deletePermanently(int row) {
 void RecoveryVaultViewModel::confirmDeletion() {
     if (!pendingDeletion_) return;
     RecoveryVaultEntry entry = *std::exchange(pendingDeletion_, std::nullopt);
-    model_.run(model_.removeVaultEntry(std::move(entry)));
+    model_.run(removeAndSay(this, model_, std::move(entry)));
     emit pendingDeletionChanged();
 }
 

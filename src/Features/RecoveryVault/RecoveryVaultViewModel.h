@@ -13,6 +13,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <optional>
+#include <vector>
 
 namespace cairnfield {
 
@@ -42,6 +43,7 @@ class RecoveryVaultViewModel final : public QObject {
     QML_UNCREATABLE("Made with the window")
     Q_PROPERTY(bool showsList READ showsList NOTIFY screenChanged)
     Q_PROPERTY(QString notice READ notice NOTIFY screenChanged)
+    Q_PROPERTY(QString fileNotice READ fileNotice NOTIFY screenChanged)
     Q_PROPERTY(cairnfield::ItemListModel* rows READ rows CONSTANT)
     Q_PROPERTY(cairnfield::RowSelection* selection READ selection CONSTANT)
     Q_PROPERTY(bool isDeleting READ isDeleting NOTIFY pendingDeletionChanged)
@@ -53,8 +55,11 @@ public:
                            const WallClock& clock, QObject* parent = nullptr);
 
     [[nodiscard]] bool showsList() const { return rows_.rowCount() > 0; }
-    /// Why the last file could not be shown; empty when it could.
+    /// Why the last file could not be shown, or that the file of the last deleted entry stays; empty when
+    /// there is nothing to say.
     [[nodiscard]] QString notice() const { return notice_; }
+    /// What should be known about the file of the entries; empty while all is well.
+    [[nodiscard]] QString fileNotice() const;
     [[nodiscard]] ItemListModel* rows() { return &rows_; }
     [[nodiscard]] RowSelection* selection() { return &selection_; }
 
@@ -77,6 +82,7 @@ public:
 
     /// The texts that tell time are worded anew: call it when the screen comes into view.
     Q_INVOKABLE void refreshDates();
+    void say(const QString& notice);
     /// Brings the screen up to date with the state at once.
     void flush();
 
@@ -97,7 +103,7 @@ private:
     std::optional<RecoveryVaultEntry> pendingDeletion_;
     QString deletionQuestion_;
     QTimer updateTimer_;
-    Subscription subscription_;
+    std::vector<Subscription> subscriptions_;
 };
 
 }  // namespace cairnfield

@@ -10,8 +10,9 @@ VaultRowText vaultRowText(const RecoveryVaultEntry& entry, Date now) {
     VaultRowText text;
     text.path = entry.relativePath.display();
     text.size = ByteFormatting::string(entry.sizeBytes);
-    text.origin =
-        visibleText(entry.repositoryName) + " · archived " + DateFormatting::relative(entry.archivedAt, now);
+    const std::string age = DateFormatting::relative(entry.archivedAt, now);
+    text.origin = entry.isFound() ? "Found in the vault without an entry · put there " + age
+                                  : visibleText(entry.repositoryName) + " · archived " + age;
     if (entry.expiresAt) text.expiry = "Expires " + DateFormatting::absolute(entry.expiresAt);
     text.description = text.size + ", " + text.origin;
     if (!text.expiry.empty()) text.description += ", " + text.expiry;

@@ -11,7 +11,7 @@ namespace cairnfield {
 struct VaultRowText {
     std::string path;  ///< inside the worktree that it came from
     std::string size;
-    std::string origin;       ///< "atlas · archived 2 days ago"
+    std::string origin;       ///< "atlas · archived 2 days ago"; of a found one, that it is one
     std::string expiry;       ///< "Expires Nov 21, 2026, 3:04 PM", or empty
     std::string description;  ///< all but the path in one sentence, for assistive technology
 

@@ -108,4 +108,18 @@ std::optional<FileDescriptor> openLocalFile(const FilePath& worktree, const Igno
     return file;
 }
 
+std::int64_t sizeThatCounts(const FilePath& worktree, const IgnoredEntry& entry) {
+    constexpr int noVault = -1;
+    try {
+        const std::optional<FileDescriptor> file = openLocalFile(worktree, entry, noVault);
+        struct stat status{};
+        if (!file || fstat(file->get(), &status) != 0) return entry.sizeBytes;
+        const off_t hole = lseek(file->get(), 0, SEEK_HOLE);
+        const bool hasHoles = hole >= 0 && hole < status.st_size;
+        return hasHoles ? std::max<std::int64_t>(entry.sizeBytes, status.st_size) : entry.sizeBytes;
+    } catch (const CairnfieldError&) {
+        return entry.sizeBytes;  // whoever copies it meets the same, in its turn
+    }
+}
+
 }  // namespace cairnfield

@@ -26,4 +26,8 @@ namespace cairnfield {
 [[nodiscard]] std::optional<FileDescriptor> openLocalFile(const FilePath& worktree, const IgnoredEntry& entry,
                                                           int vault);
 
+/// The size at review, in bytes; of a file with holes, which takes less than it is long, its length when that
+/// is more. What cannot be opened has its size at review.
+[[nodiscard]] std::int64_t sizeThatCounts(const FilePath& worktree, const IgnoredEntry& entry);
+
 }  // namespace cairnfield

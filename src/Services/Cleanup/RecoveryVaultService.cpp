@@ -1,8 +1,10 @@
 #include "Services/Cleanup/RecoveryVaultService.h"
 
 #include "Persistence/JSONFileStore.h"
+#include "Persistence/StoredFileNames.h"
 #include "Services/Cleanup/LocalFile.h"
 #include "Services/Cleanup/UnfinishedCopy.h"
+#include "Services/Cleanup/VaultCopies.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Files/Files.h"
 #include "Shared/Formatting/ByteFormatting.h"
@@ -12,10 +14,12 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <system_error>
 #include <unistd.h>
@@ -58,6 +62,18 @@ bool isInside(const FilePath& path, const FilePath& folder) {
     return path.standardized().bytes().starts_with(folder.standardized().bytes() + "/");
 }
 
+/// The found entries whose copies no other entry names.
+Entries unnamedOf(const Entries& found, const Entries& entries) {
+    Entries unnamed;
+    std::ranges::copy_if(found, std::back_inserter(unnamed), [&](const RecoveryVaultEntry& copy) {
+        return std::ranges::none_of(entries, [&](const RecoveryVaultEntry& entry) {
+            return entry.storedPath == copy.storedPath ||
+                   (entry.receiptID == copy.receiptID && entry.relativePath == copy.relativePath);
+        });
+    });
+    return unnamed;
+}
+
 /// A folder can be in the way only when an identity is used twice.
 void removeFolderAt(const FilePath& path) {
     struct stat status{};
@@ -76,7 +92,8 @@ RecoveryVaultService::RecoveryVaultService(Executor& pool, const ApplicationSupp
       volume_(volume),
       clock_(clock),
       maximumFileBytes_(maximumFileBytes),
-      index_(std::make_unique<JSONFileStore<Entries>>(pool, support, "recovery-vault.json", Entries())) {}
+      index_(std::make_unique<JSONFileStore<Entries>>(pool, support, StoredFileNames::recoveryVault,
+                                                      Entries())) {}
 
 RecoveryVaultService::~RecoveryVaultService() = default;
 
@@ -86,29 +103,54 @@ Task<Entries> RecoveryVaultService::archive(std::vector<IgnoredEntry> files, Wor
     if (files.empty()) co_return Entries();
     Call call{std::move(from.path), std::move(repositoryName), receiptID, std::nullopt};
     if (retentionDays >= 1) call.expiresAt = addingCalendarDays(clock_.now(), retentionDays);
+    co_await findUnnamedCopies();
     const Entries added = copyAll(files, call);
+    const Entries found = found_;
     std::function<void(Entries&)> append = [&](Entries& entries) {
+        const Entries unnamed = unnamedOf(unnamedOf(found, added), entries);
+        entries.insert(entries.end(), unnamed.begin(), unnamed.end());
         entries.insert(entries.end(), added.begin(), added.end());
     };
     co_await index_->mutate(std::move(append));
+    std::erase_if(found_, [&](const RecoveryVaultEntry& copy) {
+        return std::ranges::find(found, copy.id, &RecoveryVaultEntry::id) != found.end();
+    });
     co_return added;
 }
 
 Task<Entries> RecoveryVaultService::entries() {
     removeLeftovers();
+    co_await findUnnamedCopies();
     Entries entries = co_await index_->load();
+    const Entries unnamed = unnamedOf(found_, entries);
+    entries.insert(entries.end(), unnamed.begin(), unnamed.end());
     co_return entries;
 }
 
-Task<> RecoveryVaultService::remove(RecoveryVaultEntry entry) {
-    if (exists(entry.storedPath)) {
-        if (!isInside(entry.storedPath, vaultDirectory_)) refuse("The stored copy is not in the vault.");
+/// Once, before this run puts copies there itself.
+Task<> RecoveryVaultService::findUnnamedCopies() {
+    if (hasLookedForCopies_) co_return;
+    const bool hasIndex = co_await index_->hasStoredValue();
+    if (std::exchange(hasLookedForCopies_, true) || hasIndex) co_return;
+    found_ = copiesIn(vaultDirectory_);
+    if (!found_.empty()) Log::cleanup().info("The vault holds {} copies without an index", found_.size());
+}
+
+Task<std::optional<FilePath>> RecoveryVaultService::remove(RecoveryVaultEntry entry) {
+    std::optional<FilePath> staying;
+    if (!exists(entry.storedPath)) {
+        // Somebody was here before: nothing is left to delete.
+    } else if (isInside(entry.storedPath, vaultDirectory_)) {
         if (unlink(entry.storedPath.c_str()) != 0 && errno != ENOENT) fail(errno, entry.storedPath);
+    } else if (!deleteCopyElsewhere(entry)) {
+        staying = entry.storedPath;
     }
-    std::function<void(Entries&)> drop = [&](Entries& entries) {
-        std::erase_if(entries, [&](const RecoveryVaultEntry& other) { return other.id == entry.id; });
-    };
+    const auto isTheEntry = [&](const RecoveryVaultEntry& other) { return other.id == entry.id; };
+    // What the index does not name needs no change of it, which may be one that cannot be made.
+    if (std::erase_if(found_, isTheEntry) > 0) co_return staying;
+    std::function<void(Entries&)> drop = [&](Entries& entries) { std::erase_if(entries, isTheEntry); };
     co_await index_->mutate(std::move(drop));
+    co_return staying;
 }
 
 Task<> RecoveryVaultService::restore(RecoveryVaultEntry entry, FilePath destination) {
@@ -134,15 +176,20 @@ Task<> RecoveryVaultService::restore(RecoveryVaultEntry entry, FilePath destinat
 
 Entries RecoveryVaultService::copyAll(const std::vector<IgnoredEntry>& files, const Call& call) {
     std::int64_t total = 0;
-    for (const IgnoredEntry& file : files) total = sum(total, file.sizeBytes);
+    std::vector<std::int64_t> sizes;
+    for (const IgnoredEntry& file : files) {
+        sizes.push_back(sizeThatCounts(call.worktree, file));
+        total = sum(total, sizes.back());
+    }
     verifySpace(total);
 
     Entries entries;
     try {
         const FileDescriptor root = openRoot();
         const FileDescriptor directory = enterFolder(root.get(), call.receiptID.text());
-        for (const IgnoredEntry& file : files) {
-            std::optional<RecoveryVaultEntry> entry = copyOne(file, call, root.get(), directory.get());
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            std::optional<RecoveryVaultEntry> entry =
+                copyOne(files[i], sizes[i], call, root.get(), directory.get());
             if (entry) entries.push_back(*std::move(entry));
         }
     } catch (const std::system_error& failure) {
@@ -151,10 +198,11 @@ Entries RecoveryVaultService::copyAll(const std::vector<IgnoredEntry>& files, co
     return entries;
 }
 
-std::optional<RecoveryVaultEntry> RecoveryVaultService::copyOne(const IgnoredEntry& file, const Call& call,
-                                                                int root, int directory) const {
-    if (file.sizeBytes > maximumFileBytes_)
-        refuse(file.name + " is " + ByteFormatting::string(file.sizeBytes) + "; review it manually.");
+std::optional<RecoveryVaultEntry> RecoveryVaultService::copyOne(const IgnoredEntry& file, std::int64_t size,
+                                                                const Call& call, int root,
+                                                                int directory) const {
+    if (size > maximumFileBytes_)
+        refuse(file.name + " is " + ByteFormatting::string(size) + "; review it manually.");
     const std::optional<FileDescriptor> source = openLocalFile(call.worktree, file, root);
     if (!source) return std::nullopt;
 

@@ -5,12 +5,14 @@
 //
 // A copy is written to a new file, synced, compared with its source byte for byte and moved into place, and
 // its folder is synced, before its entry exists. Folders are for the user alone (0700), and so are files
-// (0600). A link is followed to its content as long as that lies in the worktree; one that leads elsewhere, to
-// a folder or to nothing has none to keep and is passed over (isLinkThatKeepsNothing). A folder, and whatever
-// cannot be opened, are failures, never skipped.
+// (0600). A link is followed to its content as long as that lies in the worktree; one that leads elsewhere,
+// to a folder or to nothing has none to keep and is passed over (isLinkThatKeepsNothing). A folder, and
+// whatever cannot be opened, are failures, never skipped.
 //
 // A call to archive that fails or is cut short leaves whole copies without an entry, which stay, and perhaps
-// an unfinished one, which the next start of the vault removes. Nothing here deletes an expired entry.
+// an unfinished one, which the next start of the vault removes. Nothing here deletes an expired entry. A
+// start without a good index looks for the copies that are there and lists them; the next archiving puts them
+// into the new index.
 
 #include "Persistence/ApplicationSupport.h"
 #include "Platform/Volume.h"
@@ -27,8 +29,8 @@ class JSONFileStore;
 
 class RecoveryVaultService final : public RecoveryVaultServicing, public Actor {
 public:
-    /// A file that was larger than `maximumFileBytes` at review is refused. `volume` and `clock` outlive the
-    /// service.
+    /// A file that was larger than `maximumFileBytes` at review is refused; of one with holes the whole
+    /// length counts. `volume` and `clock` outlive the service.
     RecoveryVaultService(Executor& pool, const ApplicationSupport& support, const VolumeInformation& volume,
                          const WallClock& clock, std::int64_t maximumFileBytes);
     ~RecoveryVaultService() override;
@@ -37,7 +39,7 @@ public:
                                                   std::string repositoryName, UUID receiptID,
                                                   std::int64_t retentionDays) override;
     Task<std::vector<RecoveryVaultEntry>> entries() override;
-    Task<> remove(RecoveryVaultEntry entry) override;
+    Task<std::optional<FilePath>> remove(RecoveryVaultEntry entry) override;
     Task<> restore(RecoveryVaultEntry entry, FilePath destination) override;
 
 private:
@@ -49,10 +51,11 @@ private:
         std::optional<Date> expiresAt;
     };
 
+    Task<> findUnnamedCopies();
     [[nodiscard]] std::vector<RecoveryVaultEntry> copyAll(const std::vector<IgnoredEntry>& files,
                                                           const Call& call);
-    [[nodiscard]] std::optional<RecoveryVaultEntry> copyOne(const IgnoredEntry& file, const Call& call,
-                                                            int root, int directory) const;
+    [[nodiscard]] std::optional<RecoveryVaultEntry> copyOne(const IgnoredEntry& file, std::int64_t size,
+                                                            const Call& call, int root, int directory) const;
     void verifySpace(std::int64_t bytes) const;
     [[nodiscard]] std::optional<std::int64_t> availableBytes() const;
     [[nodiscard]] FileDescriptor openRoot();
@@ -64,7 +67,9 @@ private:
     const WallClock& clock_;
     const std::int64_t maximumFileBytes_;
     const std::unique_ptr<JSONFileStore<std::vector<RecoveryVaultEntry>>> index_;
+    std::vector<RecoveryVaultEntry> found_;  ///< for copies that no entry of the index names
     bool leftoversRemoved_ = false;
+    bool hasLookedForCopies_ = false;
 };
 
 }  // namespace cairnfield

@@ -6,6 +6,7 @@
 #include "Shared/Concurrency/Task.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,12 @@ public:
     virtual Task<std::vector<RecoveryVaultEntry>> archive(std::vector<IgnoredEntry> files, Worktree from,
                                                           std::string repositoryName, UUID receiptID,
                                                           std::int64_t retentionDays) = 0;
-    /// In the order in which they were archived.
+    /// In the order in which they were archived. When the index was lost, was damaged or cannot be read, also
+    /// an entry for each copy that no other names (RecoveryVaultEntry::isFound).
     virtual Task<std::vector<RecoveryVaultEntry>> entries() = 0;
-    /// Deletes the stored copy, which may be gone already, and its entry. Throws when it stays.
-    virtual Task<> remove(RecoveryVaultEntry entry) = 0;
+    /// Deletes the stored copy, which may be gone already, and its entry. Throws when it cannot. Gives the
+    /// file that the entry names when that is none of the vault's: it stays, and only the entry goes.
+    virtual Task<std::optional<FilePath>> remove(RecoveryVaultEntry entry) = 0;
     /// Copies the stored file out to a place where nothing is yet; throws otherwise. The entry and the stored
     /// copy stay.
     virtual Task<> restore(RecoveryVaultEntry entry, FilePath destination) = 0;

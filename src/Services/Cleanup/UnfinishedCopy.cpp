@@ -4,11 +4,13 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -36,11 +38,12 @@ bool isProvisional(std::string_view name) {
     return name.starts_with(mark) && UUID::parse(name.substr(mark.size())).has_value();
 }
 
-void writeAll(int file, const char* bytes, std::size_t count) {
+void writeAll(int file, const char* bytes, std::size_t count, off_t offset) {
     while (count > 0) {
-        const ssize_t written = write(file, bytes, count);
+        const ssize_t written = pwrite(file, bytes, count, offset);
         if (written >= 0) {
             bytes += written;
+            offset += written;
             count -= static_cast<std::size_t>(written);
         } else if (errno != EINTR) {
             fail(errno, "write");
@@ -77,20 +80,61 @@ void waitUntilWritten(int file, off_t offset, off_t length) {
     if (!isUnknownHere) fail(errno, "sync");
 }
 
-void copyBytes(int source, int target) {
-    off_t from = 0;
+constexpr off_t noMore = std::numeric_limits<off_t>::max();
+
+/// Where content begins at or after `offset`: holes lie before it. `noMore` when only a hole follows, or
+/// nothing. A file system that knows no holes has content everywhere.
+off_t contentFrom(int file, off_t offset) {
+    const off_t begin = lseek(file, offset, SEEK_DATA);
+    if (begin >= 0) return begin;
+    return errno == ENXIO ? noMore : offset;
+}
+
+/// Where the content that `offset` lies in ends.
+off_t holeFrom(int file, off_t offset) {
+    const off_t end = lseek(file, offset, SEEK_HOLE);
+    return end >= 0 ? end : noMore;
+}
+
+off_t lengthOf(int file) {
+    struct stat status{};
+    check(fstat(file, &status), "stat");
+    return status.st_size;
+}
+
+/// One stretch of content, from there to there or to the end of the source. Gives where it ended.
+off_t copyStretch(int source, int target, off_t from, off_t end) {
     // In the kernel as far as that goes: it may share the blocks. Whatever ends it, the loop below goes on
     // from there and meets the same failure if it is one.
-    for (ssize_t count = 1; count > 0;) {
-        count = copy_file_range(source, &from, target, nullptr, pieceSize, 0);
+    off_t to = from;
+    for (ssize_t count = 1; count > 0 && from < end;) {
+        const auto most = static_cast<std::size_t>(std::min(pieceSize, end - from));
+        count = copy_file_range(source, &from, target, &to, most, 0);
         if (count > 0) beginWriting(target, from - count, count);
     }
     std::vector<char> block(blockSize);
-    while (const std::size_t count = readBlock(source, block, from)) {
-        writeAll(target, block.data(), count);
+    while (from < end) {
+        block.resize(static_cast<std::size_t>(std::min<off_t>(off_t(blockSize), end - from)));
+        const std::size_t count = readBlock(source, block, from);
+        if (count == 0) break;
+        writeAll(target, block.data(), count, from);
         from += static_cast<off_t>(count);
         if (from % pieceSize == 0) beginWriting(target, from - pieceSize, pieceSize);
     }
+    return from;
+}
+
+/// Holes stay holes.
+void copyBytes(int source, int target) {
+    off_t from = 0;
+    for (;;) {
+        const off_t begin = contentFrom(source, from);
+        if (begin == noMore) break;
+        const off_t end = holeFrom(source, begin);
+        from = copyStretch(source, target, begin, end);
+        if (from < end) break;  // the end of the source
+    }
+    check(ftruncate(target, std::max(from, lengthOf(source))), "truncate");
 }
 
 void copyTime(int source, int target) {
@@ -155,6 +199,8 @@ void UnfinishedCopy::makeFile(Form form) {
     provisionalName_ = name;
 }
 
+/// Holes are read like all else, as zeros: that a file system told of a hole where there is content must not
+/// go unnoticed.
 bool UnfinishedCopy::equalsSource() const {
     std::vector<char> ours(blockSize);
     std::vector<char> theirs(blockSize);

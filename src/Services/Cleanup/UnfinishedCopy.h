@@ -28,15 +28,15 @@ public:
     };
 
     /// Copies all that `source` has, from its beginning, into a new file in `folder`, and has the disk begin
-    /// to write it. Both descriptors outlive the copy.
+    /// to write it; holes stay holes. Both descriptors outlive the copy, and the position of `source` moves.
     UnfinishedCopy(int folder, int source, Form form = Form::withoutName);
     ~UnfinishedCopy();
     UnfinishedCopy(const UnfinishedCopy&) = delete;
     UnfinishedCopy& operator=(const UnfinishedCopy&) = delete;
 
-    /// Reads both again, from beginning to end, and compares every byte: one piece as soon as it is written,
-    /// while the disk writes the next. The whole copy is on disk when this returns true. To be asked before
-    /// the copy gets its name.
+    /// Reads both again, from beginning to end, holes too, and compares every byte: one piece as soon as it
+    /// is written, while the disk writes the next. The whole copy is on disk when this returns true. To be
+    /// asked before the copy gets its name.
     [[nodiscard]] bool equalsSource() const;
 
     /// Gives it its name in a folder of the same file system; a file of that name is replaced.

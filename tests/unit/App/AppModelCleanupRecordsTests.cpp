@@ -56,5 +56,15 @@ TEST_F(CleanupRecords, AVaultFileIsRestoredToAFreePlaceOnly) {
     EXPECT_EQ(contentOf(destination), "SECRET=1\n");
 }
 
+TEST_F(CleanupRecords, OfARemovedEntryTheFileThatIsNoneOfTheVaultsStaysAndThatIsSaid) {
+    RecoveryVaultEntry odd = entry;
+    odd.storedPath = app.home.write("precious");
+    const std::optional<std::string> note = app.run(app.model->removeVaultEntry(odd));
+    EXPECT_EQ(note, "The entry is gone. The file that it named stays, since it is none of the vault's: " +
+                        odd.storedPath.display());
+    EXPECT_TRUE(std::filesystem::exists(odd.storedPath.bytes()));
+    EXPECT_THAT(state().vaultEntries.get(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace cairnfield

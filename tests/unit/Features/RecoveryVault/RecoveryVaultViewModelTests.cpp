@@ -129,5 +129,43 @@ TEST_F(RecoveryVaultScreen, ShowsTheEmptyStateForAnIndexThatCannotBeReadAndLoses
     }
 }
 
+TEST_F(RecoveryVaultScreen, SaysWhatShouldBeKnownAboutItsFileAndNoOther) {
+    EXPECT_EQ(screen->fileNotice(), "");
+    state().storedFileNotices.set({{"recovery-vault.json", "It is kept."}, {"other.json", "not shown here"}});
+    screen->flush();
+    EXPECT_EQ(screen->fileNotice(), "It is kept.");
+    state().storedFileNotices.set({{"other.json", "not shown here"}});
+    screen->flush();
+    EXPECT_EQ(screen->fileNotice(), "");
+}
+
+TEST_F(RecoveryVaultScreen, SaysThatAFileStaysWhereItsEntryWasDeleted) {
+    RecoveryVaultEntry elsewhere = entry(".env");
+    elsewhere.storedPath = app.home.path().appending("elsewhere/.env");
+    keep({{elsewhere, "content"}});
+    screen->deletePermanently(0);
+    screen->confirmDeletion();
+    app.waitUntil([&] { return !screen->notice().isEmpty(); });
+    EXPECT_TRUE(screen->notice().endsWith(QString::fromStdString(elsewhere.storedPath.display())));
+    EXPECT_TRUE(exists(elsewhere.storedPath));
+    screen->flush();
+    EXPECT_FALSE(screen->showsList());
+}
+
+TEST_F(RecoveryVaultScreen, ListsAndMarksCopiesWhoseIndexIsLost) {
+    const RecoveryVaultEntry lost = entry("conf/.env");
+    keep({{lost, "content"}});
+    std::filesystem::remove((app.home / "data/Cairnfield/recovery-vault.json").bytes());
+    startAnew();
+    ASSERT_TRUE(screen->showsList());
+    EXPECT_EQ(item(0).path, "conf/.env");
+    EXPECT_TRUE(item(0).origin.startsWith("Found in the vault without an entry"));
+    screen->deletePermanently(0);
+    EXPECT_TRUE(screen->isDeleting()) << "asked as for every other";
+    screen->confirmDeletion();
+    app.waitUntil([&] { return state().vaultEntries.get().empty(); });
+    EXPECT_FALSE(exists(lost.storedPath));
+}
+
 }  // namespace
 }  // namespace cairnfield

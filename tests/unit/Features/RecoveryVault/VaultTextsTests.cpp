@@ -54,5 +54,16 @@ TEST(VaultTexts, MakeHostileNamesSafeToLookAt) {
               "\uFFFDfdp.\uFFFD cannot be recovered afterwards. It exists nowhere else.");
 }
 
+TEST(VaultTexts, SayOfAFoundCopyThatItIsOne) {
+    RecoveryVaultEntry found;
+    found.relativePath = FilePath(".env");
+    found.archivedAt = Date(std::chrono::seconds(1'750'000'000));
+    ASSERT_TRUE(found.isFound());
+    const VaultRowText text = vaultRowText(found, found.archivedAt + std::chrono::hours(48));
+    EXPECT_EQ(text.origin,
+              "Found in the vault without an entry · put there " +
+                  DateFormatting::relative(found.archivedAt, found.archivedAt + std::chrono::hours(48)));
+}
+
 }  // namespace
 }  // namespace cairnfield

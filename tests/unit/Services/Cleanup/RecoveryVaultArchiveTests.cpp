@@ -5,7 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include <ctime>
+#include <fcntl.h>
 #include <limits>
+#include <unistd.h>
 
 namespace cairnfield {
 namespace {
@@ -258,6 +260,53 @@ TEST_F(RecoveryVaultArchive, WritesTheIndexInItsForm) {
     EXPECT_EQ(json[0]["receiptID"], receiptID.text());
     EXPECT_EQ(json[0]["archivedAt"], "2025-06-15T15:06:40Z");
     EXPECT_FALSE(json[0].contains("expiresAt"));
+}
+
+class RecoveryVaultHoles : public RecoveryVaultArchive {
+protected:
+    /// Content, a hole, content, and another hole to the end.
+    IgnoredEntry withHoles(const std::string& name, off_t length) const {
+        const FilePath file = home.write("worktree/" + name, "begin");
+        const FileDescriptor open(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+        EXPECT_EQ(pwrite(open.get(), "middle", 6, length / 2), 6);
+        EXPECT_EQ(ftruncate(open.get(), length), 0);
+        return entryFor(name, 8192);
+    }
+    static bool hasHoles(const FilePath& file) {
+        struct stat status{};
+        EXPECT_EQ(stat(file.c_str(), &status), 0);
+        return status.st_blocks * 512 < status.st_size;
+    }
+};
+
+TEST_F(RecoveryVaultHoles, StayHolesInTheCopy) {
+    const IgnoredEntry file = withHoles("disk.key", 900'000);
+    if (!hasHoles(inWorktree("disk.key"))) GTEST_SKIP() << "no holes on this disk";
+    const RecoveryVaultEntry entry = archive({file})[0];
+    EXPECT_EQ(entry.sizeBytes, 8192) << "as reviewed";
+    EXPECT_EQ(contentOf(entry.storedPath), contentOf(inWorktree("disk.key")));
+    EXPECT_TRUE(hasHoles(entry.storedPath));
+    wait(vault.restore(entry, home / "restored"));
+    EXPECT_EQ(contentOf(home / "restored"), contentOf(inWorktree("disk.key")));
+    EXPECT_TRUE(hasHoles(home / "restored"));
+}
+
+TEST_F(RecoveryVaultHoles, CountAsContentAgainstTheLimit) {
+    const ScopedEnvironment locale("LC_ALL", "en_US.UTF-8");
+    const IgnoredEntry file = withHoles("disk.key", 1'500'000);
+    if (!hasHoles(inWorktree("disk.key"))) GTEST_SKIP() << "no holes on this disk";
+    EXPECT_EQ(failureOfArchiving({file}), vaultFailure("disk.key is 1.5 MB; review it manually."));
+    EXPECT_THAT(entriesAgain(), IsEmpty());
+}
+
+TEST_F(RecoveryVaultHoles, CountAsContentAgainstTheSpace) {
+    const IgnoredEntry file = withHoles("disk.key", 900'000);
+    if (!hasHoles(inWorktree("disk.key"))) GTEST_SKIP() << "no holes on this disk";
+    volume.answer.availableCapacity = 1'800'000;
+    EXPECT_EQ(failureOfArchiving({file}),
+              CairnfieldError(CairnfieldError::InsufficientTemporaryStorage{1'800'000, 1'800'000}));
+    volume.answer.availableCapacity = 1'800'001;
+    EXPECT_THAT(archive({file}), SizeIs(1));
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 #include "RecoveryVaultFixture.h"
+#include "Services/Cleanup/VaultCopies.h"
+#include "support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 
@@ -130,18 +132,70 @@ TEST_F(RecoveryVaultRemove, KeepsTheEntryOfACopyThatStays) {
     EXPECT_THAT(entriesAgain(), ElementsAre(entry));
 }
 
-TEST_F(RecoveryVaultRemove, DeletesNothingOutsideOfTheVault) {
-    RecoveryVaultEntry entry = stored();
+TEST_F(RecoveryVaultRemove, DropsTheEntryOfAFileThatIsNoneOfItsOwnAndLeavesTheFile) {
     const FilePath precious = home.write("precious");
-    for (const FilePath& path : {precious, root.appending("../../../precious"), root}) {
+    home.write("deep/folder/precious");
+    for (const FilePath& path :
+         {precious, root.appending("../../../precious"), root, home.path().appending("deep"),
+          home.path().appending("deep/folder/precious")}) {
+        RecoveryVaultEntry entry = stored();
         entry.storedPath = path;
-        EXPECT_EQ(failureOf(vault.remove(entry)), vaultFailure("The stored copy is not in the vault."));
+        EXPECT_EQ(wait(vault.remove(entry)), path);
+        EXPECT_THAT(entriesAgain(), IsEmpty());
+        EXPECT_TRUE(fs::exists(path.bytes())) << path.bytes();
     }
     EXPECT_TRUE(fs::exists(precious.bytes()));
-    EXPECT_THAT(entries(), SizeIs(1));
+    RecoveryVaultEntry entry = stored();
     entry.storedPath = home.path().appending("not/there");
-    wait(vault.remove(entry));
+    EXPECT_EQ(wait(vault.remove(entry)), std::nullopt);
     EXPECT_THAT(entries(), IsEmpty()) << "the entry of a vault that was moved away can still be dropped";
+}
+
+TEST_F(RecoveryVaultRemove, DeletesTheCopyThatLiesWhereTheDataFolderWas) {
+    for (const bool isByCall : {true, false}) {
+        RecoveryVaultEntry entry = stored("conf/.env");
+        const std::string identity = (isByCall ? entry.receiptID : entry.id).text();
+        entry.storedPath = home.write("before/Recovery/" + identity + "/conf/.env");
+        home.write("before/Recovery/" + identity + "/conf/other");
+        EXPECT_EQ(wait(vault.remove(entry)), std::nullopt);
+        EXPECT_THAT(entriesAgain(), IsEmpty());
+        EXPECT_FALSE(fs::exists(entry.storedPath.bytes()));
+        EXPECT_TRUE(fs::exists(home.path().appending("before/Recovery/" + identity + "/conf/other").bytes()));
+    }
+}
+
+TEST_F(RecoveryVaultRemove, FollowsNoLinkToACopyElsewhereAndDeletesNothingButAPlainFile) {
+    const FilePath outside = home.write("outside/.env", "somebody else's");
+    const std::string before = "before/" + receiptID.text();
+    home.makeDirectory(before + "/folder");
+    fs::create_directory_symlink((home / "outside").bytes(), (home / (before + "/linked")).bytes());
+    fs::create_symlink(outside.bytes(), (home / (before + "/link")).bytes());
+    home.makeDirectory("links");
+    fs::create_directory_symlink((home / "outside").bytes(), (home / ("links/" + receiptID.text())).bytes());
+    for (const std::string& place :
+         {before + "/folder", before + "/linked/.env", before + "/link",
+          "links/" + receiptID.text() + "/.env", before + "/folder/../../../outside/.env"}) {
+        RecoveryVaultEntry entry = stored();
+        entry.storedPath = FilePath(home.path().bytes() + "/" + place);
+        EXPECT_EQ(wait(vault.remove(entry)), entry.storedPath) << place;
+        EXPECT_THAT(entriesAgain(), IsEmpty());
+    }
+    EXPECT_EQ(contentOf(outside), "somebody else's");
+    EXPECT_TRUE(fs::is_symlink((home / (before + "/link")).bytes()));
+}
+
+TEST_F(RecoveryVaultRemove, KeepsTheEntryWhenTheCopyElsewhereCannotBeDeleted) {
+    fs::permissions(home.path().bytes(), fs::perms(0755));
+    const RecoveryVaultEntry kept = stored();
+    RecoveryVaultEntry entry = kept;
+    entry.storedPath = home.write("before/" + receiptID.text() + "/.env");
+    for (fs::path place = entry.storedPath.parent().bytes(); place != home.path().bytes();
+         place = place.parent_path())
+        fs::permissions(place, fs::perms(0755));
+    const std::string outcome = asUnprivilegedUser(
+        [&]() -> std::string { return deleteCopyElsewhere(entry) ? "deleted" : "none of the vault's"; });
+    EXPECT_EQ(outcome, "threw: Permission denied");
+    EXPECT_TRUE(fs::exists(entry.storedPath.bytes()));
 }
 
 }  // namespace
