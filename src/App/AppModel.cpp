@@ -25,6 +25,11 @@ void logUnexpectedFailure(const std::exception_ptr& failure) {
     }
 }
 
+Task<> publish(Published<StoredFileNotices::ByFile>& shown, const StoredFileNotices& notices) {
+    shown.set(notices.all());
+    co_return;
+}
+
 }  // namespace
 
 AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
@@ -53,7 +58,9 @@ AppModel::AppModel(SettingsStore& settings, AppEnvironment environment)
                   }})) {
     // The stores report from their own threads.
     StoredFileNotices& notices = *environment_.support.notices();
-    notices.onChange([this] { operations_.add(environment_.mainThread, showStoredFiles()); });
+    notices.onChange([this, &notices] {
+        operations_.add(environment_.mainThread, publish(state_.storedFileNotices, notices));
+    });
     state_.storedFileNotices.set(notices.all());
 }
 
@@ -74,17 +81,6 @@ Task<> AppModel::listenToAnswers() {
                                                                          environment_.workspace);
     NotificationCenterDelegate::install(notificationDelegate_, environment_.notificationCenter);
     co_await environment_.notifications.registerCategories();
-}
-
-Task<> AppModel::showStoredFiles() {
-    state_.storedFileNotices.set(environment_.support.notices()->all());
-    co_return;
-}
-
-std::string AppModel::storedFileNotice(std::string_view fileName) const {
-    const StoredFileNotices::ByFile& notices = state_.storedFileNotices.get();
-    const auto place = notices.find(fileName);
-    return place == notices.end() ? "" : place->second;
 }
 
 Task<> AppModel::stop() {

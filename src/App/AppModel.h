@@ -57,7 +57,6 @@ public:
     [[nodiscard]] std::optional<WatchedFolder> largestWatchedFolder() const;
     [[nodiscard]] std::vector<ProjectUsage> projects() const;
     [[nodiscard]] bool launchAtLoginEnabled() const;  ///< asks the desktop
-    [[nodiscard]] std::string storedFileNotice(std::string_view fileName) const;  ///< mostly empty
 
     Task<> start();  ///< once, at launch
     Task<> stop();   ///< at the end: cancels what is under way, but a cleanup, and waits until all has ended
@@ -110,7 +109,6 @@ private:
     friend class AppModelStaging;  // tests and previews set the state that a screen shows
 
     Task<> loadPersistedState();
-    Task<> showStoredFiles();
     Task<> listenToAnswers();
     void configureGitServices();
     Task<> pollCapacity();

@@ -20,6 +20,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cairnfield {
@@ -57,9 +58,17 @@ struct AppState {
     /// records are.
     Published<StoredFileNotices::ByFile> storedFileNotices;
 
+    [[nodiscard]] std::string storedFileNotice(std::string_view fileName) const;  ///< empty while all is well
+
     Published<bool> notificationAuthorizationDenied{
         false};  ///< the last delivery or request for leave failed
     Published<std::optional<std::string>> lastNotificationError;
 };
+
+inline std::string AppState::storedFileNotice(std::string_view fileName) const {
+    const StoredFileNotices::ByFile& notices = storedFileNotices.get();
+    const auto place = notices.find(fileName);
+    return place == notices.end() ? "" : place->second;
+}
 
 }  // namespace cairnfield

@@ -65,7 +65,7 @@ void HistoryViewModel::flush() {
 }
 
 QString HistoryViewModel::fileNotice() const {
-    return shown(model_.storedFileNotice(StoredFileNames::cleanupReceipts));
+    return shown(model_.state().storedFileNotice(StoredFileNames::cleanupReceipts));
 }
 
 const CleanupReceipt* HistoryViewModel::selected() const {

@@ -68,7 +68,7 @@ QString MenuBarViewModel::levelTint() const {
 }
 
 QString MenuBarViewModel::fileNotice() const {
-    return shown(model_.storedFileNotice(StoredFileNames::storageHistory));
+    return shown(model_.state().storedFileNotice(StoredFileNames::storageHistory));
 }
 
 QString MenuBarViewModel::reclaimableText() const {

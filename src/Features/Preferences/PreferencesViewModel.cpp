@@ -71,7 +71,7 @@ PreferencesViewModel::PreferencesViewModel(AppModel& model, const WallClock& clo
 }
 
 QString PreferencesViewModel::fileNotice() const {
-    return shown(model_.storedFileNotice(StoredFileNames::settings));
+    return shown(model_.state().storedFileNotice(StoredFileNames::settings));
 }
 
 QStringList PreferencesViewModel::thresholdModes() {

@@ -73,7 +73,7 @@ void RecoveryVaultViewModel::flush() {
 }
 
 QString RecoveryVaultViewModel::fileNotice() const {
-    return shown(model_.storedFileNotice(StoredFileNames::recoveryVault));
+    return shown(model_.state().storedFileNotice(StoredFileNames::recoveryVault));
 }
 
 const RecoveryVaultEntry* RecoveryVaultViewModel::entryAt(int row) const {

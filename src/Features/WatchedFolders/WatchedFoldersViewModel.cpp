@@ -56,7 +56,7 @@ QString WatchedFoldersViewModel::emptyActionTitle() const {
 }
 
 QString WatchedFoldersViewModel::fileNotice() const {
-    return shown(model_.storedFileNotice(StoredFileNames::watchedFolders));
+    return shown(model_.state().storedFileNotice(StoredFileNames::watchedFolders));
 }
 
 void WatchedFoldersViewModel::flush() {

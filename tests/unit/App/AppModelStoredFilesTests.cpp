@@ -34,7 +34,7 @@ protected:
 TEST_F(StoredFilesOfTheModel, SayNothingWhileAllIsWell) {
     app.run(app.model->start());
     EXPECT_THAT(notices(), IsEmpty());
-    EXPECT_EQ(app.model->storedFileNotice("watched-folders.json"), "");
+    EXPECT_EQ(app.model->state().storedFileNotice("watched-folders.json"), "");
 }
 
 TEST_F(StoredFilesOfTheModel, ThatAreDamagedAreSaidAndKeptWhenTheyAreReplaced) {
@@ -43,7 +43,7 @@ TEST_F(StoredFilesOfTheModel, ThatAreDamagedAreSaidAndKeptWhenTheyAreReplaced) {
     app.run(app.model->start());
     app.waitUntil([&] { return notices().size() == 2; });
     EXPECT_THAT(notices(), ElementsAre(Key("cleanup-receipts.json"), Key("watched-folders.json")));
-    EXPECT_THAT(app.model->storedFileNotice("watched-folders.json"),
+    EXPECT_THAT(app.model->state().storedFileNotice("watched-folders.json"),
                 HasSubstr("could not be understood, so"));
     EXPECT_EQ(contentOf(folders), "garbage");
 
@@ -52,7 +52,8 @@ TEST_F(StoredFilesOfTheModel, ThatAreDamagedAreSaidAndKeptWhenTheyAreReplaced) {
     EXPECT_EQ(app.model->state().folderError.get(), std::nullopt);
     EXPECT_EQ(contentOf(file("watched-folders.json.damaged")), "garbage");
     app.waitUntil([&] {
-        return app.model->storedFileNotice("watched-folders.json")
+        return app.model->state()
+                   .storedFileNotice("watched-folders.json")
                    .find("is kept as watched-folders.json.damaged") != std::string::npos;
     });
     EXPECT_EQ(contentOf(file("cleanup-receipts.json")), "[") << "nothing replaced it";
@@ -63,7 +64,7 @@ TEST_F(StoredFilesOfTheModel, ThatCannotBeReadAreNotReplacedAndThatIsSaid) {
     ASSERT_EQ(mkfifo(file("watched-folders.json").c_str(), 0600), 0);
     app.run(app.model->start());
     app.waitUntil([&] { return !notices().empty(); });
-    EXPECT_THAT(app.model->storedFileNotice("watched-folders.json"), HasSubstr("It stays as it is"));
+    EXPECT_THAT(app.model->state().storedFileNotice("watched-folders.json"), HasSubstr("It stays as it is"));
     app.run(app.model->addWatchedFolder(app.home.makeDirectory("code")));
     EXPECT_NE(app.model->state().folderError.get(), std::nullopt) << "where the person asked for it";
     EXPECT_TRUE(std::filesystem::is_fifo(file("watched-folders.json").bytes()));
