@@ -111,9 +111,10 @@ TEST_F(FileUserDefaultsTest, ReadsOddValuesAsAbsentAndKeepsThem) {
     EXPECT_THAT(contentOf(file), HasSubstr("\"nothing\": null"));
 }
 
-TEST_F(FileUserDefaultsTest, LosesAGarbledFileOnlyAtTheNextWrite) {
+TEST_F(FileUserDefaultsTest, KeepsAGarbledFileAsideAtTheNextWrite) {
     for (const char* garbled : {"{\"a\":true", "[1,2]", "", "\xFF\xFE", "7"}) {
-        const FilePath file = home.write("settings.json", garbled);
+        const TemporaryDirectory own;
+        const FilePath file = own.write("settings.json", garbled);
         CaptureStderr();
         FileUserDefaults defaults(file, background, clock);
         const std::string log = GetCapturedStderr();
@@ -124,8 +125,8 @@ TEST_F(FileUserDefaultsTest, LosesAGarbledFileOnlyAtTheNextWrite) {
         defaults.set("b", true);
         defaults.flushBlocking();
         EXPECT_EQ(readAgain(file, "b"), wrote(true));
-        EXPECT_EQ(contentOf(home / "settings.json.damaged"), garbled);
-        EXPECT_EQ(fs::status((home / "settings.json.damaged").bytes()).permissions(), fs::perms(0600));
+        EXPECT_EQ(contentOf(own / "settings.json.damaged"), garbled);
+        EXPECT_EQ(fs::status((own / "settings.json.damaged").bytes()).permissions(), fs::perms(0600));
     }
 }
 
