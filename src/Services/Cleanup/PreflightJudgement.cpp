@@ -1,5 +1,7 @@
 #include "Services/Cleanup/PreflightJudgement.h"
 
+#include "Services/Git/GitWorktreeInspector.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -36,7 +38,7 @@ std::optional<std::string> objectionToListing(const Worktree& snapshot,
     if (entry->isMain) return "Git reports this as the main worktree.";
     if (entry->isLocked && entry->lockReason) return "The worktree is locked: " + *entry->lockReason;
     if (entry->isLocked) return "The worktree is locked.";
-    if (entry->head != snapshot.headSHA) return "HEAD moved since the worktree was reviewed.";
+    if (commitOf(*entry) != snapshot.headSHA) return "HEAD moved since the worktree was reviewed.";
     if (entry->branch != snapshot.branch) return "The branch changed since the worktree was reviewed.";
     return std::nullopt;
 }

@@ -34,12 +34,6 @@ constexpr std::array operationMarks{
     OperationMark{"BISECT_LOG", GitOperationInProgress::bisect},
 };
 
-/// The list gives an unborn branch a commit of nothing but zeros.
-std::optional<std::string> commitOf(const GitWorktreeEntry& entry) {
-    const bool namesACommit = entry.head && entry.head->find_first_not_of('0') != std::string::npos;
-    return namesACommit ? entry.head : std::nullopt;
-}
-
 Worktree baseRecord(const GitWorktreeEntry& entry, const FilePath& repositoryRoot,
                     const WorktreeInspectionOptions& options) {
     Worktree worktree;
@@ -83,6 +77,11 @@ void markInaccessible(Worktree& worktree, std::string reason) {
 }
 
 }  // namespace
+
+std::optional<std::string> commitOf(const GitWorktreeEntry& entry) {
+    const bool namesACommit = entry.head && entry.head->find_first_not_of('0') != std::string::npos;
+    return namesACommit ? entry.head : std::nullopt;
+}
 
 std::optional<GitOperationInProgress> operationInProgress(const FilePath& gitDirectory) {
     const auto exists = [&gitDirectory](const OperationMark& mark) {

@@ -38,6 +38,10 @@ private:
     ActivityDetecting& activityDetector_;
 };
 
+/// The commit that an entry of the worktree list names. The list gives an unborn branch one of nothing but
+/// zeros; here it has none.
+[[nodiscard]] std::optional<std::string> commitOf(const GitWorktreeEntry& entry);
+
 /// The unfinished operation that the files of a worktree's own Git directory tell of.
 [[nodiscard]] std::optional<GitOperationInProgress> operationInProgress(const FilePath& gitDirectory);
 

@@ -56,6 +56,18 @@ TEST(PreflightOfTheListing, FindsTheEntryOfThePath) {
     EXPECT_EQ(entryOf(reviewed(), {}), std::nullopt);
 }
 
+TEST(PreflightOfTheListing, TakesAnUnbornBranchForWhatItWas) {
+    Worktree worktree = reviewed();
+    worktree.headSHA = std::nullopt;
+    GitWorktreeEntry entry = entryLike(worktree);
+    for (const std::size_t length : {40U, 64U}) {
+        entry.head = std::string(length, '0');
+        EXPECT_EQ(objectionToListing(worktree, entry), std::nullopt);
+    }
+    entry.head = std::string(39, '0') + "1";
+    EXPECT_EQ(objectionToListing(worktree, entry), "HEAD moved since the worktree was reviewed.");
+}
+
 TEST(PreflightOfTheListing, ObjectsInItsOrder) {
     const Worktree worktree = reviewed();
     GitWorktreeEntry entry = entryLike(worktree);
