@@ -50,8 +50,9 @@ void lookBesideStatus(benchmark::State& state) {
     const RawCommand bare(status);
 
     const auto ours = [&] {
-        const std::optional<CairnfieldError> objection = lookBeforeRemoval(question, volumes);
-        if (objection) throw std::runtime_error(objection->errorDescription());
+        GitAnswers answers;
+        const std::optional<RemovalRefusal> refusal = lookBeforeRemoval(question, volumes, answers);
+        if (refusal || !answers.takeOpen().empty()) throw std::runtime_error("it is not an ordinary worktree");
     };
     measureSideBySide(state, ours, [&] { bare.run(); });
 }

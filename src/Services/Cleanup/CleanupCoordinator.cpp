@@ -2,7 +2,6 @@
 
 #include "Services/Cleanup/PullRequestText.h"
 #include "Services/Cleanup/RemovalSteps.h"
-#include "Shared/Concurrency/RunOn.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
@@ -40,15 +39,13 @@ CleanupCoordinator::CleanupCoordinator(const Surroundings& surroundings, const G
                                        GitHubServicing& github, RecoveryVaultServicing& vault,
                                        CleanupReceiptStore& receipts, WorktreeInspecting& inspector)
     : Actor(surroundings.pool),
-      blocking_(surroundings.blocking),
-      volumes_(surroundings.volumes),
       clock_(surroundings.clock),
-      supportDirectory_(surroundings.supportDirectory),
       git_(git),
       github_(github),
       vault_(vault),
       receipts_(receipts),
-      preflight_(git, github, inspector) {}
+      look_(git, surroundings.blocking, surroundings.volumes, surroundings.supportDirectory),
+      preflight_(git, github, inspector, look_) {}
 
 void CleanupCoordinator::Run::tell(CleanupStage stage, std::optional<std::string> detail) const {
     if (progress) progress(CleanupProgress{stage, std::move(detail)});
@@ -179,16 +176,12 @@ Task<> CleanupCoordinator::removeWorktree(Run& run) {
 
 Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untracked) {
     const Worktree& reviewed = run.plan.worktree;
-    const LastLookQuestion question{reviewed,
-                                    run.plan.requiresPreservation()
-                                        ? ExpectedHead::preserved(run.reached.preservedCommitSHA)
-                                        : ExpectedHead::reviewed(reviewed),
-                                    run.archived,
-                                    {supportDirectory_},
-                                    std::move(untracked)};
-    const auto look = [&] { return lookBeforeRemoval(question, volumes_); };
-    const std::optional<CairnfieldError> objection = co_await runOn(blocking_, look);
-    if (objection) throw CairnfieldError(*objection);
+    const ExpectedHead head = run.plan.requiresPreservation()
+                                  ? ExpectedHead::preserved(run.reached.preservedCommitSHA)
+                                  : ExpectedHead::reviewed(reviewed);
+    const std::optional<RemovalRefusal> refusal =
+        co_await look_.atTheEnd({reviewed, head, run.archived, {}, std::move(untracked)});
+    if (refusal) throw refusal->asError(reviewed.path);
 }
 
 }  // namespace cairnfield

@@ -10,10 +10,10 @@
 
 #include "Persistence/CleanupReceiptStore.h"
 #include "Services/Cleanup/CleanupPreflight.h"
-#include "Services/Cleanup/LastLook.h"
 #include "Services/Cleanup/PreservationSteps.h"
 #include "Services/Cleanup/ReceiptWriting.h"
 #include "Services/Cleanup/RecoveryVaultServicing.h"
+#include "Services/Cleanup/RemovalLook.h"
 #include "Shared/Concurrency/Actor.h"
 #include "Shared/Time/Date.h"
 
@@ -74,14 +74,12 @@ private:
     Task<> removeWorktree(Run& run);
     Task<> lookOnceMore(Run& run, std::vector<std::string> untracked);
 
-    Executor& blocking_;
-    const VolumeInformation& volumes_;
     const WallClock& clock_;
-    const FilePath supportDirectory_;
     const GitCommandRunner git_;
     GitHubServicing& github_;
     RecoveryVaultServicing& vault_;
     CleanupReceiptStore& receipts_;
+    const RemovalLook look_;
     CleanupPreflight preflight_;
     std::set<FilePath> activeRepositories_;  ///< standardized roots with a cleanup under way
 };

@@ -47,6 +47,9 @@ Task<CleanupPreflightReport> CleanupPreflight::report(Worktree snapshot, bool re
         baseBranch = answer.baseBranch;
     }
 
+    const std::optional<RemovalRefusal> refusal = co_await look_.beforehand(fresh, requiresRemote);
+    if (refusal) co_return CleanupPreflightReport::failed(refusal->asSentence());
+
     CleanupPreflightReport report;
     report.passed = true;
     report.warnings = warningsAbout(fresh);

@@ -4,6 +4,7 @@
 // coordinator; runs on its caller's executor. Nothing here throws: every problem becomes a report.
 
 #include "Services/Cleanup/PreflightJudgement.h"
+#include "Services/Cleanup/RemovalLook.h"
 #include "Services/Git/GitCommandRunner.h"
 #include "Services/Git/WorktreeInspecting.h"
 #include "Services/GitHub/GitHubServicing.h"
@@ -13,9 +14,12 @@ namespace cairnfield {
 class CleanupPreflight {
 public:
     /// `github` and `inspector` outlive every question.
-    CleanupPreflight(GitCommandRunner git, GitHubServicing& github, WorktreeInspecting& inspector)
-        : git_(std::move(git)), github_(github), inspector_(inspector) {}
+    CleanupPreflight(GitCommandRunner git, GitHubServicing& github, WorktreeInspecting& inspector,
+                     RemovalLook look)
+        : git_(std::move(git)), github_(github), inspector_(inspector), look_(std::move(look)) {}
 
+    /// What would stop the removal at its end stops the cleanup here, before anything is pushed; it comes
+    /// after all that git and the remote can say.
     [[nodiscard]] Task<CleanupPreflightReport> report(Worktree snapshot, bool requiresRemote);
 
     /// Of the record's head, branch and ignored names over the state on disk at this moment. A status that
@@ -35,6 +39,7 @@ private:
     GitCommandRunner git_;
     GitHubServicing& github_;
     WorktreeInspecting& inspector_;
+    const RemovalLook look_;
 };
 
 }  // namespace cairnfield

@@ -2,7 +2,9 @@
 
 #include "Services/Cleanup/AccountedFiles.h"
 #include "Services/Cleanup/ArchivedCopies.h"
+#include "Services/Cleanup/HeadLook.h"
 #include "Services/Cleanup/HiddenFiles.h"
+#include "Services/Cleanup/OwnReferences.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
 #include "Services/Git/GitWorktreeInspector.h"
@@ -20,38 +22,9 @@ namespace cairnfield {
 namespace {
 
 using Objection = std::optional<std::string>;
+using Refusal = std::optional<RemovalRefusal>;
 using Entries = std::vector<GitIndexEntry>;
 using Paths = std::unordered_set<std::string>;
-
-constexpr const char* movedHead = "Its HEAD is not where it was left.";
-constexpr const char* unreadableHead = "Its HEAD could not be read.";
-constexpr const char* unreadableIndex = "Its index could not be understood.";
-
-Objection objectionToHead(const ExpectedHead& expected, const WorktreeGitFiles& files) {
-    if (expected.form == ExpectedHead::Form::anywhere) return std::nullopt;
-    const HeadOnDisk head = headOnDisk(files);
-    switch (head.form) {
-        case HeadOnDisk::Form::keptElsewhere:
-        case HeadOnDisk::Form::unreadable:
-            return unreadableHead;
-        case HeadOnDisk::Form::unborn:
-            if (expected.form == ExpectedHead::Form::unborn) return std::nullopt;
-            return movedHead;
-        case HeadOnDisk::Form::commit:
-            break;
-    }
-    const bool isThere = expected.form == ExpectedHead::Form::commit && head.commit == expected.commit;
-    if (!isThere) return movedHead;
-    if (!expected.isElsewhere && head.goesWithWorktree) return "Its commits are on a reference of its own.";
-    return std::nullopt;
-}
-
-/// Its state, and work that it has put aside, are kept in the worktree's own Git directory alone.
-Objection objectionToOperation(const WorktreeGitFiles& files) {
-    const std::optional<GitOperationInProgress> operation = operationInProgress(files.own);
-    if (!operation) return std::nullopt;
-    return "A " + std::string(displayName(*operation)) + " is in progress.";
-}
 
 Objection objectionToMounts(const FilePath& worktree, const VolumeInformation& volumes) {
     const std::optional<FilePath> folder = resolvedPath(worktree);
@@ -96,8 +69,9 @@ Objection objectionToUnseenChanges(const FilePath& worktree, const Entries& entr
     return std::nullopt;
 }
 
-TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries, const timespec& indexModified) {
-    TreeLookQuestion question{root, {}, {}, indexModified};
+TreeLookQuestion treeQuestion(const Worktree& reviewed, const Entries& entries,
+                              const timespec& indexModified) {
+    TreeLookQuestion question{reviewed.path, {}, {}, indexModified};
     for (const GitIndexEntry& entry : entries) {
         if (entry.isSubmodule()) question.submodules.insert(entry.path);
         if (entry.path == "HEAD" || entry.path.ends_with("/HEAD")) question.trackedHeads.insert(entry.path);
@@ -105,61 +79,64 @@ TreeLookQuestion treeQuestion(const FilePath& root, const Entries& entries, cons
     return question;
 }
 
-Objection objectionTo(const LastLookQuestion& question, const VolumeInformation& volumes) {
-    const Worktree& reviewed = question.reviewed;
-    const std::optional<WorktreeGitFiles> files = gitFilesOf(reviewed.path);
-    if (!files || resolvedPath(reviewed.gitCommonDir) != files->common)
-        return "Its path no longer leads to the worktree that was reviewed.";
-    Objection objection = objectionToHead(question.head, *files);
-    if (objection) return objection;
-    objection = objectionToOperation(*files);
-    if (objection) return objection;
-    objection = whatMustStayInside(reviewed, *files, question.mustStay);
-    if (objection) return objection;
-    objection = objectionToMounts(reviewed.path, volumes);
-    if (objection) return objection;
+/// What git keeps for the worktree, besides its files.
+Refusal refusalOfGitFiles(const LastLookQuestion& question, const WorktreeGitFiles& files, GitAnswers& git) {
+    Refusal refusal = refusalOfHead(question.head, question.reviewed, files, git);
+    if (refusal) return refusal;
+    // Its state, and work that it has put aside, are kept in the worktree's own Git directory alone.
+    const std::optional<GitOperationInProgress> operation = operationInProgress(files.own);
+    if (operation) return RemovalRefusal::unfinished(*operation);
+    return refusalOfOwnReferences(question.reviewed, files, git);
+}
 
-    const std::optional<Entries> entries = readGitIndex(files->own, objectBytes(reviewed));
-    if (!entries) return unreadableIndex;
-    const timespec indexModified = whenIndexWasWritten(*files);
-    objection = objectionToHiddenFiles(reviewed.path, *entries, indexModified);
+Refusal refusalOfTree(const LastLookQuestion& question, const WorktreeGitFiles& files) {
+    const Worktree& reviewed = question.reviewed;
+    const std::optional<Entries> entries = readGitIndex(files.own, objectBytes(reviewed));
+    if (!entries)
+        return RemovalRefusal("Its index could not be understood.", RemovalRefusal::Kind::unreadable);
+    const timespec indexModified = whenIndexWasWritten(files);
+    Objection objection = objectionToHiddenFiles(reviewed.path, *entries, indexModified);
     if (objection) return objection;
     AccountedFiles accounted(reviewed, *entries, question.untracked);
-    TreeLookQuestion wholeTree = treeQuestion(reviewed.path, *entries, indexModified);
+    TreeLookQuestion wholeTree = treeQuestion(reviewed, *entries, indexModified);
     wholeTree.accounted = &accounted;
     const TreeLook tree = lookAtTree(wholeTree);
     if (tree.objection) return tree.objection;
     objection =
         objectionToUnseenChanges(reviewed.path, *entries, tree.changedInTheSecondOfTheIndex, indexModified);
     if (objection) return objection;
-    if (tree.unaccounted) return tree.unaccounted;
-    return objectionToCopies(question.archived);
+    return tree.unaccounted;
+}
+
+Refusal refusalOf(const LastLookQuestion& question, const VolumeInformation& volumes, GitAnswers& git) {
+    const Worktree& reviewed = question.reviewed;
+    const std::optional<WorktreeGitFiles> files = gitFilesOf(reviewed.path);
+    if (!files || resolvedPath(reviewed.gitCommonDir) != files->common)
+        return RemovalRefusal("Its path no longer leads to the worktree that was reviewed.",
+                              RemovalRefusal::Kind::elsewhere);
+    Refusal refusal = refusalOfGitFiles(question, *files, git);
+    if (refusal) return refusal;
+    refusal = whatMustStayInside(reviewed, *files, question.mustStay);
+    if (refusal) return refusal;
+    refusal = objectionToMounts(reviewed.path, volumes);
+    if (refusal) return refusal;
+    refusal = refusalOfTree(question, *files);
+    if (refusal) return refusal;
+    const Objection copies = objectionToCopies(question.archived);
+    if (copies) return RemovalRefusal(*copies, RemovalRefusal::Kind::copies);
+    return std::nullopt;
 }
 
 }  // namespace
 
-ExpectedHead ExpectedHead::preserved(const std::optional<std::string>& commit) {
-    return commit ? ExpectedHead{Form::commit, *commit} : ExpectedHead{};
-}
-
-ExpectedHead ExpectedHead::reviewed(const Worktree& worktree) {
-    if (!worktree.headSHA) return {Form::unborn, {}};
-    const RemoteTrackingState& tracking = worktree.tracking;
-    const bool isElsewhere = tracking.headIsRemotelyPreserved || tracking.uniqueCommitCount == 0;
-    return {Form::commit, *worktree.headSHA, isElsewhere};
-}
-
-std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question,
-                                                 const VolumeInformation& volumes) {
-    Objection objection;
+std::optional<RemovalRefusal> lookBeforeRemoval(const LastLookQuestion& question,
+                                                const VolumeInformation& volumes, GitAnswers& git) {
     try {
-        objection = objectionTo(question, volumes);
+        return refusalOf(question, volumes, git);
     } catch (const std::exception& failure) {
-        objection = "It could not be looked at once more: " + describe(failure);
+        return RemovalRefusal("It could not be looked at once more: " + describe(failure),
+                              RemovalRefusal::Kind::unreadable);
     }
-    if (!objection) return std::nullopt;
-    return CairnfieldError(
-        CairnfieldError::WorktreeRemovalFailed{question.reviewed.path.bytes(), *std::move(objection)});
 }
 
 }  // namespace cairnfield

@@ -2,7 +2,8 @@
 // The last look before `git worktree remove`, at what neither git's status nor its own refusals cover. Reads
 // the index, HEAD, the mount table and the tree directly: starts no process, follows no link out of the
 // worktree and writes nothing. Can only refuse; what cannot be looked at is a refusal too. It does not repeat
-// what git refuses by itself (changed, staged and untracked files, a lock, populated submodules).
+// what git refuses by itself (changed, staged and untracked files, a lock, populated submodules). The few
+// things that files do not tell it leaves open, see GitAnswers; RemovalLook asks them and looks again.
 //
 // Blocking, any thread: every entry of the tree is visited once. Between the look and the removal there is
 // still a moment; this makes it short, not absent.
@@ -10,31 +11,14 @@
 #include "Models/RecoveryVaultEntry.h"
 #include "Models/Worktree.h"
 #include "Platform/Volume.h"
-#include "Shared/Errors/CairnfieldError.h"
+#include "Services/Cleanup/GitAnswers.h"
+#include "Services/Cleanup/HeadLook.h"
+#include "Services/Cleanup/RemovalRefusal.h"
 
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace cairnfield {
-
-/// Where HEAD has to be.
-struct ExpectedHead {
-    enum class Form {
-        anywhere,  ///< its commit was never known
-        unborn,
-        commit,
-    };
-
-    Form form = Form::anywhere;
-    std::string commit;
-    bool isElsewhere = true;  ///< otherwise only what HEAD names holds the commit
-
-    /// The commit that was preserved.
-    [[nodiscard]] static ExpectedHead preserved(const std::optional<std::string>& commit);
-    /// The state of the review, with nothing preserved since.
-    [[nodiscard]] static ExpectedHead reviewed(const Worktree& worktree);
-};
 
 struct LastLookQuestion {
     Worktree reviewed;
@@ -45,8 +29,10 @@ struct LastLookQuestion {
     std::vector<std::string> untracked;
 };
 
-/// Why the worktree must not be removed now; absent when nothing speaks against it.
-[[nodiscard]] std::optional<CairnfieldError> lookBeforeRemoval(const LastLookQuestion& question,
-                                                               const VolumeInformation& volumes);
+/// Why the worktree must not be removed now; absent when nothing speaks against it, provided that no question
+/// to git is left open.
+[[nodiscard]] std::optional<RemovalRefusal> lookBeforeRemoval(const LastLookQuestion& question,
+                                                              const VolumeInformation& volumes,
+                                                              GitAnswers& git);
 
 }  // namespace cairnfield

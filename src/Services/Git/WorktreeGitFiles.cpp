@@ -54,12 +54,6 @@ std::optional<std::string> packedCommit(const FilePath& common, std::string_view
     return std::nullopt;
 }
 
-/// Each worktree has these for itself.
-bool belongsToOneWorktree(std::string_view reference) {
-    return !reference.starts_with("refs/") || reference.starts_with("refs/worktree/") ||
-           reference.starts_with("refs/bisect/") || reference.starts_with("refs/rewritten/");
-}
-
 }  // namespace
 
 std::optional<FilePath> resolvedPath(const FilePath& path) {
@@ -88,11 +82,20 @@ std::optional<WorktreeGitFiles> gitFilesOf(const FilePath& worktree) {
     return WorktreeGitFiles{*own, *resolvedCommon};
 }
 
+bool keepsReferencesElsewhere(const WorktreeGitFiles& files) {
+    return isFolder(files.common.appending("reftable"));
+}
+
+bool belongsToOneWorktree(std::string_view reference) {
+    return !reference.starts_with("refs/") || reference.starts_with("refs/worktree/") ||
+           reference.starts_with("refs/bisect/") || reference.starts_with("refs/rewritten/");
+}
+
 HeadOnDisk headOnDisk(const WorktreeGitFiles& files) {
     constexpr std::string_view mark = "ref:";
     constexpr int longestChain = 5;
     using Form = HeadOnDisk::Form;
-    if (isFolder(files.common.appending("reftable"))) return {Form::keptElsewhere, {}};
+    if (keepsReferencesElsewhere(files)) return {Form::keptElsewhere, {}};
 
     std::string reference = "HEAD";
     bool goes = false;

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cairnfield {
@@ -33,6 +34,11 @@ struct HeadOnDisk {
     std::string commit;
     bool goesWithWorktree = false;  ///< it names a reference that this worktree has for itself
 };
+
+/// Whether the repository has its references in a store that is not read here.
+[[nodiscard]] bool keepsReferencesElsewhere(const WorktreeGitFiles& files);
+/// Whether each worktree has a reference of that name for itself.
+[[nodiscard]] bool belongsToOneWorktree(std::string_view reference);
 
 /// The commit that HEAD, or the branch that it names, is at.
 [[nodiscard]] HeadOnDisk headOnDisk(const WorktreeGitFiles& files);

@@ -47,13 +47,14 @@ TEST_F(FilesAccountedFor, AreNotThoseThatGitTakesForTrackedOnesOfAnotherCase) {
     EXPECT_TRUE(gitWouldRemove());
 }
 
-TEST_F(FilesAccountedFor, AreNotThoseOfAnotherCaseBesideWorkThatWasPreserved) {
+TEST_F(FilesAccountedFor, AreNotThoseOfAnotherCaseBesideWorkToPreserve) {
     ignoreCase();
     feature.write("KEPT.txt", "mine\n");
     feature.write("second.txt", "changed\n");
     const CleanupReceipt receipt = clean();
     EXPECT_THAT(receipt.errorSummary.value_or(""), HasSubstr(overlooked("KEPT.txt")));
-    EXPECT_EQ(receipt.outcome, CleanupOutcome::partiallyCompleted);
+    EXPECT_EQ(receipt.outcome, CleanupOutcome::failed);
+    EXPECT_FALSE(remoteHasBranch());
     EXPECT_EQ(contentOf(feature / "KEPT.txt"), "mine\n");
     expectIntact(receipt);
 }

@@ -160,7 +160,7 @@ TEST_F(Cleanup, RefusesWorkThatARebaseHasPutAsideMeanwhile) {
         EXPECT_EQ(feature.git({"status", "--porcelain"}), "");
     });
     const CleanupReceipt receipt = clean();
-    EXPECT_THAT(receipt.errorSummary.value_or(""), HasSubstr("A rebase is in progress."));
+    EXPECT_EQ(receipt.errorSummary, "A rebase is in progress at " + feature.path().bytes() + ".");
     expectIntact(receipt);
     feature.git({"rebase", "--abort"});
     EXPECT_EQ(contentOf(feature / "kept.txt"), "put aside\n");

@@ -10,15 +10,15 @@ namespace cairnfield {
 
 class LastLook : public Cleanup {
 protected:
-    /// The objection's own words, without those of the error; empty when there is none.
-    std::string look(const Worktree& reviewed, std::vector<FilePath> ours = {}) {
-        const LastLookQuestion question{
-            reviewed, ExpectedHead::reviewed(reviewed), {}, std::move(ours), untrackedIn(reviewed)};
-        const std::optional<CairnfieldError> objection = lookBeforeRemoval(question, mounts);
-        if (!objection) return {};
-        const auto* refusal = objection->as<CairnfieldError::WorktreeRemovalFailed>();
-        if (refusal) EXPECT_EQ(refusal->path, reviewed.path.bytes());
-        return refusal ? refusal->message : "another case: " + objection->errorDescription();
+    /// The refusal's own words, without those of an error; empty when there is none.
+    std::string look(const Worktree& reviewed, const std::vector<FilePath>& ours = {}) {
+        const RemovalLook removalLook(git, services.pool, mounts,
+                                      ours.empty() ? support.directory() : ours.front());
+        const std::optional<RemovalRefusal> refusal = waitFor(
+            services.pool,
+            removalLook.atTheEnd(
+                {reviewed, ExpectedHead::reviewed(reviewed), {}, {}, untrackedIn(reviewed)}));
+        return refusal ? refusal->words : std::string();
     }
     std::string look() { return look(review()); }
 

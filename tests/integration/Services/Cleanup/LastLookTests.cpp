@@ -238,16 +238,5 @@ TEST_F(LastLook, RunsNoProcess) {
     EXPECT_TRUE(services.commands.take().empty());
 }
 
-TEST_F(LastLook, KeepsACleanupFromLosingAnInnerRepository) {
-    GitRepository::create(feature / "logs/inner").commitFile("only-here.txt");
-    feature.write("kept.txt", "changed\n");
-    const CleanupReceipt receipt = clean();
-    EXPECT_EQ(receipt.errorSummary, "Git refused to remove the worktree at " + feature.path().bytes() +
-                                        ". Another repository lies inside it: logs/inner/.git.");
-    EXPECT_EQ(receipt.outcome, CleanupOutcome::partiallyCompleted);
-    EXPECT_TRUE(isThere(feature / "logs/inner/only-here.txt"));
-    expectIntact(receipt);
-}
-
 }  // namespace
 }  // namespace cairnfield
