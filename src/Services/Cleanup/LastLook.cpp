@@ -4,6 +4,7 @@
 #include "Services/Cleanup/ArchivedCopies.h"
 #include "Services/Cleanup/HeadLook.h"
 #include "Services/Cleanup/HiddenFiles.h"
+#include "Services/Cleanup/InnerRepositories.h"
 #include "Services/Cleanup/OwnReferences.h"
 #include "Services/Cleanup/PathsThatStay.h"
 #include "Services/Cleanup/TreeLook.h"
@@ -25,6 +26,10 @@ using Objection = std::optional<std::string>;
 using Refusal = std::optional<RemovalRefusal>;
 using Entries = std::vector<GitIndexEntry>;
 using Paths = std::unordered_set<std::string>;
+
+std::string firstComponent(const std::string& path) {
+    return path.substr(0, path.find('/'));
+}
 
 Objection objectionToMounts(const FilePath& worktree, const VolumeInformation& volumes) {
     const std::optional<FilePath> folder = resolvedPath(worktree);
@@ -69,9 +74,21 @@ Objection objectionToUnseenChanges(const FilePath& worktree, const Entries& entr
     return std::nullopt;
 }
 
+/// What git ignores as a whole, under a name that the review told as rebuildable.
+Paths rebuildableDirectories(const Worktree& reviewed) {
+    Paths tops;
+    for (const IgnoredEntry& entry : reviewed.rebuildableIgnoredEntries()) tops.insert(entry.name);
+    Paths directories;
+    for (const std::string& path : reviewed.status.ignoredPaths) {
+        if (path.ends_with('/') && tops.contains(firstComponent(path)))
+            directories.insert(path.substr(0, path.size() - 1));
+    }
+    return directories;
+}
+
 TreeLookQuestion treeQuestion(const Worktree& reviewed, const Entries& entries,
                               const timespec& indexModified) {
-    TreeLookQuestion question{reviewed.path, {}, {}, indexModified};
+    TreeLookQuestion question{reviewed.path, {}, {}, indexModified, nullptr, rebuildableDirectories(reviewed)};
     for (const GitIndexEntry& entry : entries) {
         if (entry.isSubmodule()) question.submodules.insert(entry.path);
         if (entry.path == "HEAD" || entry.path.ends_with("/HEAD")) question.trackedHeads.insert(entry.path);
@@ -89,7 +106,7 @@ Refusal refusalOfGitFiles(const LastLookQuestion& question, const WorktreeGitFil
     return refusalOfOwnReferences(question.reviewed, files, git);
 }
 
-Refusal refusalOfTree(const LastLookQuestion& question, const WorktreeGitFiles& files) {
+Refusal refusalOfTree(const LastLookQuestion& question, const WorktreeGitFiles& files, GitAnswers& git) {
     const Worktree& reviewed = question.reviewed;
     const std::optional<Entries> entries = readGitIndex(files.own, objectBytes(reviewed));
     if (!entries)
@@ -102,6 +119,8 @@ Refusal refusalOfTree(const LastLookQuestion& question, const WorktreeGitFiles& 
     wholeTree.accounted = &accounted;
     const TreeLook tree = lookAtTree(wholeTree);
     if (tree.objection) return tree.objection;
+    Refusal refusal = refusalOfInnerRepositories(reviewed.path, tree.repositoriesInRebuildableOutput, git);
+    if (refusal) return refusal;
     objection =
         objectionToUnseenChanges(reviewed.path, *entries, tree.changedInTheSecondOfTheIndex, indexModified);
     if (objection) return objection;
@@ -120,7 +139,7 @@ Refusal refusalOf(const LastLookQuestion& question, const VolumeInformation& vol
     if (refusal) return refusal;
     refusal = objectionToMounts(reviewed.path, volumes);
     if (refusal) return refusal;
-    refusal = refusalOfTree(question, *files);
+    refusal = refusalOfTree(question, *files, git);
     if (refusal) return refusal;
     const Objection copies = objectionToCopies(question.archived);
     if (copies) return RemovalRefusal(*copies, RemovalRefusal::Kind::copies);

@@ -110,7 +110,7 @@ private:
             if (look_.objection) return;
         }
         if (names.areThoseOfARepository() && !question_.trackedHeads.contains(inside(relative, "HEAD")))
-            return object("Another repository lies inside it: " + shown(relative) + ".");
+            meetRepository({relative, false}, relative);
         if (names.any && faccessat(descriptor, ".", W_OK | X_OK, AT_EACCESS) != 0)
             object(shown(relative) + " cannot be emptied.");
     }
@@ -159,13 +159,26 @@ private:
         if (isProtected(facts) || keepsFor(folderFacts, facts))
             return object(shown(path) + " cannot be deleted.");
         if (std::string_view(name) == ".git" && path != ".git")
-            return object("Another repository lies inside it: " + shown(path) + ".");
-        if (!isFolder(facts)) return;
+            meetRepository({path.substr(0, path.size() - std::string_view("/.git").size()), true}, path);
+        if (!isFolder(facts) || look_.objection) return;
         if (question_.submodules.contains(path)) return lookAtSubmodule(folder, name, path);
         const bool wasCovered = isCovered_;
         isCovered_ = wasCovered || (question_.accounted && question_.accounted->coversDirectory(path));
         enter(folder, name, path, facts);
         isCovered_ = wasCovered;
+    }
+
+    void meetRepository(InnerRepository repository, const std::string& mark) {
+        if (!isBelowRebuildableOutput(repository.path))
+            return object("Another repository lies inside it: " + shown(mark) + ".");
+        look_.repositoriesInRebuildableOutput.push_back(std::move(repository));
+    }
+
+    [[nodiscard]] bool isBelowRebuildableOutput(const std::string& path) const {
+        std::size_t slash = path.find('/');
+        while (slash != std::string::npos && !question_.rebuildable.contains(path.substr(0, slash)))
+            slash = path.find('/', slash + 1);
+        return slash != std::string::npos;
     }
 
     /// One that is populated in the usual way is left to git, which removes no worktree with such a one.

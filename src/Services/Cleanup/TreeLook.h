@@ -5,6 +5,7 @@
 // link. Blocking, any thread; the cost is one look at every entry.
 
 #include "Services/Cleanup/AccountedFiles.h"
+#include "Services/Cleanup/InnerRepositories.h"
 #include "Shared/Paths/FilePath.h"
 
 #include <ctime>
@@ -20,11 +21,14 @@ struct TreeLookQuestion {
     std::unordered_set<std::string> trackedHeads;  ///< tracked files named "HEAD"
     timespec indexModified{};                      ///< when the index was last written
     AccountedFiles* accounted = nullptr;           ///< asked about each file; without it all may go
+    /// Ignored directories of rebuildable output: repositories below them are told of, not objected to.
+    std::unordered_set<std::string> rebuildable;
 };
 
 struct TreeLook {
     std::optional<std::string> objection;    ///< the first one that was met; the walk ends there
     std::optional<std::string> unaccounted;  ///< what is said against one of the files, if anything is
+    std::vector<InnerRepository> repositoriesInRebuildableOutput;
     /// Files that something happened to after the index was written, but within the same second.
     std::unordered_set<std::string> changedInTheSecondOfTheIndex;
 };
