@@ -1,5 +1,6 @@
 #include "Services/Cleanup/CleanupCoordinator.h"
 
+#include "Services/Cleanup/EarlierRecovery.h"
 #include "Services/Cleanup/PullRequestText.h"
 #include "Services/Cleanup/RemovalSteps.h"
 #include "Shared/Errors/CairnfieldError.h"
@@ -167,6 +168,7 @@ Task<> CleanupCoordinator::archiveLocalFiles(Run& run) {
 Task<> CleanupCoordinator::removeWorktree(Run& run) {
     RemovalSteps steps(git_, preflight_, run.plan);
     run.tell(CleanupStage::removingWorktree);
+    if (EarlierRecovery::needsProof(run.plan)) co_await EarlierRecovery::prove(git_, run.plan);
     std::vector<std::string> untracked = co_await steps.assertUnchangedExceptPreservation();
     co_await lookOnceMore(run, std::move(untracked));
     co_await steps.remove();

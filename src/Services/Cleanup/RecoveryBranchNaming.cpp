@@ -27,10 +27,25 @@ std::string stamp(Date date) {
     return text;
 }
 
+/// "20260131-174502".
+bool isStamp(std::string_view text) {
+    constexpr std::string_view form = "dddddddd-dddddd";
+    return std::ranges::equal(text, form, [](char c, char expected) {
+        return expected == 'd' ? c >= '0' && c <= '9' : c == expected;
+    });
+}
+
 }  // namespace
 
 std::string branchName(std::string_view prefix, std::string_view repository, Date date) {
     return std::string(prefix) + "/" + sanitize(repository) + "/" + stamp(date);
+}
+
+bool differInTheirMomentAlone(std::string_view branch, std::string_view other) {
+    const std::size_t slash = branch.rfind('/');
+    if (slash == std::string_view::npos || other.rfind('/') != slash) return false;
+    return branch.substr(0, slash) == other.substr(0, slash) && isStamp(branch.substr(slash + 1)) &&
+           isStamp(other.substr(slash + 1));
 }
 
 std::string sanitize(std::string_view name) {

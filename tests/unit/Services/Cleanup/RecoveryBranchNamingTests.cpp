@@ -73,5 +73,20 @@ TEST(RecoveryBranchName, HasAtMostSixtyCharacters) {
     EXPECT_EQ(sanitize(std::string(59, 'a') + ".b"), std::string(59, 'a') + ".");
 }
 
+TEST(RecoveryBranchName, IsKnownFromAnotherMoment) {
+    using RecoveryBranchNaming::differInTheirMomentAlone;
+    const std::string name = "cairnfield/recovery/app/20260131-174502";
+    EXPECT_TRUE(differInTheirMomentAlone("cairnfield/recovery/app/20250101-000000", name));
+    EXPECT_TRUE(differInTheirMomentAlone(name, name));
+    for (const char* other :
+         {"cairnfield/recovery/apps/20250101-000000", "cairnfield/recovery/20250101-000000", "app",
+          "other/recovery/app/20250101-000000", "cairnfield/recovery/app/20250101-00000x",
+          "cairnfield/recovery/app/20250101x000000", "cairnfield/recovery/app/20250101-0000000",
+          "cairnfield/recovery/app/20250101-00000", "cairnfield/recovery/app/"}) {
+        EXPECT_FALSE(differInTheirMomentAlone(other, name)) << other;
+        EXPECT_FALSE(differInTheirMomentAlone(name, other)) << other;
+    }
+}
+
 }  // namespace
 }  // namespace cairnfield
