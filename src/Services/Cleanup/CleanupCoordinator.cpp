@@ -3,6 +3,7 @@
 #include "Services/Cleanup/EarlierRecovery.h"
 #include "Services/Cleanup/PullRequestText.h"
 #include "Services/Cleanup/RemovalSteps.h"
+#include "Services/Git/WorktreeIdentity.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
@@ -115,7 +116,8 @@ Task<> CleanupCoordinator::preserve(Run& run, PreservationSteps& steps) {
     const CleanupPlan& plan = run.plan;
     run.tell(CleanupStage::creatingRecoveryBranch, plan.recoveryBranch);
     const WorktreeFingerprint present = co_await preflight_.fingerprint(plan.worktree);
-    if (present != run.report.fingerprint)
+    // From here on git changes whatever repository the path leads to.
+    if (present != run.report.fingerprint || !isStillTheReviewedWorktree(plan.worktree))
         throw CairnfieldError(CairnfieldError::WorktreeChangedAfterReview{plan.worktree.path.bytes()});
     co_await steps.createBranch();
 

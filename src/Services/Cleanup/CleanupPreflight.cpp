@@ -2,6 +2,7 @@
 
 #include "Services/Cleanup/RemoteName.h"
 #include "Services/Git/FileFacts.h"
+#include "Services/Git/WorktreeIdentity.h"
 
 #include <utility>
 
@@ -33,6 +34,9 @@ Task<CleanupPreflightReport> CleanupPreflight::report(Worktree snapshot, bool re
     const std::vector<GitWorktreeEntry> entries = co_await listed(snapshot.repositoryRoot);
     const std::optional<GitWorktreeEntry> entry = entryOf(snapshot, entries);
     objection = objectionToListing(snapshot, entry);
+    if (objection) co_return CleanupPreflightReport::failed(*objection);
+
+    objection = whyNotTheListedWorktree(*entry, snapshot.repositoryRoot);
     if (objection) co_return CleanupPreflightReport::failed(*objection);
 
     const WorktreeInspectionOptions options;

@@ -4,6 +4,7 @@
 #include "Services/Git/GitPorcelainParser.h"
 #include "Services/Git/IgnoredFileClassifier.h"
 #include "Services/Git/RemoteQuestions.h"
+#include "Services/Git/WorktreeIdentity.h"
 #include "Services/Git/WorktreeSafetyClassifier.h"
 #include "Shared/Errors/CairnfieldError.h"
 
@@ -108,6 +109,12 @@ Task<Worktree> GitWorktreeInspector::inspect(GitWorktreeEntry entry, FilePath re
     }
     if (worktree.isBare) {
         worktree.safety = WorktreeSafety::bareRepository;
+        co_return worktree;
+    }
+    // Not even asked otherwise: git would answer for whatever repository the path leads to.
+    std::optional<std::string> reason = whyNotTheListedWorktree(entry, repositoryRoot);
+    if (reason) {
+        markInaccessible(worktree, *std::move(reason));
         co_return worktree;
     }
 

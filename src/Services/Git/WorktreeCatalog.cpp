@@ -1,5 +1,6 @@
 #include "Services/Git/WorktreeCatalog.h"
 
+#include "Services/Git/WorktreeIdentity.h"
 #include "Services/Git/WorktreeSafetyClassifier.h"
 #include "Shared/Concurrency/CurrentTask.h"
 #include "Shared/Logging/Log.h"
@@ -72,7 +73,9 @@ Task<std::vector<FilePath>> WorktreeCatalog::findRepositories(std::vector<FilePa
     for (const FilePath& directory : discovered) {
         const std::optional<FilePath> common =
             co_await git_.optionalPath(commonDirectory, directory, questionLimit);
-        if (!common || !seen.insert(common->standardized()).second) continue;
+        // A ".git" that git rejects is passed over, and the answer is that of a repository further up.
+        if (!common || !isOwnRepository(directory, *common)) continue;
+        if (!seen.insert(common->standardized()).second) continue;
         const std::optional<FilePath> root = co_await git_.optionalPath(topLevel, directory, questionLimit);
         repositories.push_back(root.value_or(directory));
     }

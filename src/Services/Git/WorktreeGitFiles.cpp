@@ -63,23 +63,37 @@ std::optional<FilePath> resolvedPath(const FilePath& path) {
     throw std::system_error(errno, std::generic_category(), path.display());
 }
 
-std::optional<WorktreeGitFiles> gitFilesOf(const FilePath& worktree) {
+std::optional<WorktreeGitFiles> gitDirectoriesOf(const FilePath& checkout) {
     constexpr std::string_view mark = "gitdir: ";
+    const FilePath gitItem = checkout.appending(".git");
+    std::optional<FilePath> own = resolvedPath(gitItem);
+    if (own && !isFolder(*own)) {
+        const std::optional<std::string> content = readFile(*own);
+        if (!content || !content->starts_with(mark)) return std::nullopt;
+        own = resolvedPath(from(checkout, withoutLineEnd(std::string_view(*content).substr(mark.size()))));
+    }
+    if (!own || !isFolder(*own)) return std::nullopt;
+    const std::optional<FilePath> shared = pathIn(*own, "commondir");
+    if (!shared) return WorktreeGitFiles{*own, *own};
+    const std::optional<FilePath> common = resolvedPath(*shared);
+    if (!common) return std::nullopt;
+    return WorktreeGitFiles{*own, *common};
+}
+
+std::optional<FilePath> gitFileNamedBy(const FilePath& ownGitDirectory) {
+    return pathIn(ownGitDirectory, "gitdir");
+}
+
+std::optional<WorktreeGitFiles> gitFilesOf(const FilePath& worktree) {
     const FilePath gitFile = worktree.appending(".git");
     if (!isFolder(worktree) || isFolder(gitFile)) return std::nullopt;
-    const std::optional<std::string> content = readFile(gitFile);
-    if (!content || !content->starts_with(mark)) return std::nullopt;
-
-    const std::string_view target = withoutLineEnd(std::string_view(*content).substr(mark.size()));
-    const std::optional<FilePath> own = resolvedPath(from(worktree, target));
-    if (!own) return std::nullopt;
-    const std::optional<FilePath> back = pathIn(*own, "gitdir");
-    const std::optional<FilePath> common = pathIn(*own, "commondir");
-    if (!back || !common) return std::nullopt;
-    const std::optional<FilePath> resolvedCommon = resolvedPath(*common);
+    const std::optional<WorktreeGitFiles> files = gitDirectoriesOf(worktree);
+    if (!files || files->own == files->common || files->own == resolvedPath(gitFile)) return std::nullopt;
+    const std::optional<FilePath> back = gitFileNamedBy(files->own);
+    if (!back) return std::nullopt;
     const std::optional<FilePath> backAtWorktree = resolvedPath(*back);
-    if (!resolvedCommon || !backAtWorktree || backAtWorktree != resolvedPath(gitFile)) return std::nullopt;
-    return WorktreeGitFiles{*own, *resolvedCommon};
+    if (!backAtWorktree || backAtWorktree != resolvedPath(gitFile)) return std::nullopt;
+    return files;
 }
 
 bool keepsReferencesElsewhere(const WorktreeGitFiles& files) {

@@ -16,8 +16,15 @@ namespace cairnfield {
 
 struct WorktreeGitFiles {
     FilePath own;     ///< the worktree's own Git directory
-    FilePath common;  ///< the repository's
+    FilePath common;  ///< the repository's; the same one in a main checkout
 };
+
+/// Where the ".git" of a checkout leads, be it a directory, a file or a link; absent when it leads nowhere.
+/// Nothing is looked for above the checkout, as git would.
+[[nodiscard]] std::optional<WorktreeGitFiles> gitDirectoriesOf(const FilePath& checkout);
+
+/// The Git file that a worktree's own Git directory names: where git takes the worktree to be.
+[[nodiscard]] std::optional<FilePath> gitFileNamedBy(const FilePath& ownGitDirectory);
 
 /// Absent unless the path is a folder, not a link, whose Git file leads to a Git directory that leads back.
 [[nodiscard]] std::optional<WorktreeGitFiles> gitFilesOf(const FilePath& worktree);

@@ -25,9 +25,9 @@ public:
     virtual Task<std::vector<GitWorktreeEntry>> listWorktrees(FilePath repositoryRoot) = 0;
 
     /// Never throws. What cannot be learned stays empty or absent in the record, and the verdict treats that
-    /// as unsafe. A worktree that cannot be read at all comes back with the verdict `inaccessible` and the
-    /// reason in `inspectionError`. In a cancelled task every question goes unanswered, so the record comes
-    /// back soon and says little.
+    /// as unsafe. A worktree that cannot be read at all, or whose path does not lead to it any more, comes
+    /// back with the verdict `inaccessible` and the reason in `inspectionError`. In a cancelled task every
+    /// question goes unanswered, so the record comes back soon and says little.
     virtual Task<Worktree> inspect(GitWorktreeEntry entry, FilePath repositoryRoot,
                                    WorktreeInspectionOptions options) = 0;
 };

@@ -114,6 +114,27 @@ TEST_F(Catalog, DropsWhatGitRejects) {
     EXPECT_THAT(pathsOf(services.refresh({home / "root"})), ElementsAre(main.path()));
 }
 
+TEST_F(Catalog, DropsWhatGitRejectsBelowARepositoryThatNobodyWatches) {
+    const GitRepository outer = projectAt("outer");
+    home.makeDirectory("outer/root/empty/.git");
+    home.write("outer/root/half/.git/HEAD", "ref: refs/heads/main\n");
+    EXPECT_THAT(services.refresh({home / "outer/root"}), IsEmpty());
+    const GitRepository inner = projectAt("outer/root/inner");
+    EXPECT_THAT(pathsOf(services.refresh({home / "outer/root"})), ElementsAre(inner.path()));
+    EXPECT_THAT(pathsOf(services.refresh({home.path()})), ElementsAre(outer.path()));
+}
+
+TEST_F(Catalog, FindsARepositoryWhoseGitDirectoryLiesElsewhere) {
+    const GitRepository main = projectAt("elsewhere/project");
+    const GitRepository feature = main.addWorktree(home / "elsewhere/feature", "feature");
+    home.makeDirectory("root/linked");
+    fs::create_directory_symlink((main / ".git").bytes(), (home / "root/linked/.git").bytes());
+    EXPECT_THAT(pathsOf(services.refresh({home / "root"})), ElementsAre(main.path(), feature.path()));
+    fs::remove((home / "root/linked/.git").bytes());
+    home.write("root/linked/.git", contentOf(feature / ".git"));
+    EXPECT_THAT(pathsOf(services.refresh({home / "root"})), ElementsAre(main.path(), feature.path()));
+}
+
 TEST_F(Catalog, TakesOneRepositoryReachedByALinkAndByItsPathForOne) {
     const GitRepository main = projectAt("real/project");
     fs::create_directory_symlink((home / "real").bytes(), (home / "link").bytes());
