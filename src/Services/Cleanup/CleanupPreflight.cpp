@@ -43,6 +43,8 @@ Task<CleanupPreflightReport> CleanupPreflight::report(Worktree snapshot, bool re
     const Worktree fresh = co_await inspector_.inspect(*entry, snapshot.repositoryRoot, options);
     objection = objectionToState(fresh);
     if (objection) co_return CleanupPreflightReport::failed(*objection);
+    objection = reasonInVerdict(snapshot, fresh, requiresRemote);
+    if (objection) co_return CleanupPreflightReport::failed(*objection);
 
     std::optional<std::string> baseBranch = snapshot.tracking.defaultBranch;
     if (requiresRemote) {

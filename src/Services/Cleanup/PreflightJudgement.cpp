@@ -1,6 +1,7 @@
 #include "Services/Cleanup/PreflightJudgement.h"
 
 #include "Services/Git/GitWorktreeInspector.h"
+#include "Shared/Errors/CairnfieldError.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,6 +15,42 @@ CleanupPreflightReport CleanupPreflightReport::failed(std::string sentence) {
 }
 
 namespace PreflightJudgement {
+
+namespace {
+
+/// The place in the order that isLessSafe tells.
+int danger(WorktreeSafety safety) {
+    using enum WorktreeSafety;
+    switch (safety) {
+        case cleanDisposable:
+        case cleanMerged:
+        case remotelyPreserved:
+        case openPullRequest:
+            return 0;
+        case sensitiveIgnoredFiles:
+        case unsupportedRemote:
+        case manualReview:
+            return 1;
+        case committedButUnpushed:
+        case dirtyTrackedChanges:
+        case untrackedChanges:
+        case detachedWithUniqueCommits:
+            return 2;
+        case submoduleRequiresReview:
+        case mergeOrRebaseInProgress:
+        case unresolvedConflicts:
+            return 3;
+        case activeOrLocked:
+            return 4;
+        case mainWorktree:
+        case bareRepository:
+        case inaccessible:
+            break;
+    }
+    return 5;
+}
+
+}  // namespace
 
 std::optional<std::string> objectionToSnapshot(const Worktree& snapshot, PathOnDisk path) {
     if (path == PathOnDisk::missing) return "The worktree path no longer exists.";
@@ -49,6 +86,20 @@ std::optional<std::string> objectionToState(const Worktree& fresh) {
     if (fresh.operationInProgress)
         return "A " + std::string(displayName(*fresh.operationInProgress)) + " is in progress.";
     return std::nullopt;
+}
+
+bool isLessSafe(WorktreeSafety fresh, WorktreeSafety reviewed) {
+    return danger(fresh) > danger(reviewed);
+}
+
+std::optional<std::string> reasonInVerdict(const Worktree& reviewed, const Worktree& fresh,
+                                           bool isPreserved) {
+    const bool wasElsewhere = reviewed.tracking.headIsRemotelyPreserved;
+    const bool isElsewhere = fresh.tracking.headIsRemotelyPreserved;
+    const bool losesCommit = fresh.isDetached && !isPreserved && wasElsewhere && !isElsewhere;
+    if (!losesCommit && !isLessSafe(fresh.safety, reviewed.safety)) return std::nullopt;
+    return CairnfieldError(CairnfieldError::WorktreeChangedAfterReview{reviewed.path.bytes()})
+        .errorDescription();
 }
 
 std::vector<std::string> warningsAbout(const Worktree& fresh) {

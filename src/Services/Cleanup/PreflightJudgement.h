@@ -41,6 +41,23 @@ enum class PathOnDisk { missing, there };
 
 /// Of the fresh inspection.
 [[nodiscard]] std::optional<std::string> objectionToState(const Worktree& fresh);
+
+/// Whether a cleanup that was reviewed under one verdict must not go on under the other. The verdicts stand
+/// in this order, from safe to unsafe, and only a step forward counts:
+///   - the groups "safe to clean" and "preserved remotely": every commit is elsewhere. Which of the two it is
+///     depends on what was asked at the time, such as a pull request;
+///   - "needs review" that leaves everything else in order: local files, or a remote that proves nothing;
+///   - "preserve first", which a plan without preservation would lose;
+///   - "needs review" that cannot be preserved: a submodule, an unfinished operation, conflicts;
+///   - "in use";
+///   - "cannot clean".
+[[nodiscard]] bool isLessSafe(WorktreeSafety fresh, WorktreeSafety reviewed);
+
+/// Of the fresh inspection beside what was reviewed. `isPreserved` says that the cleanup puts HEAD's commit
+/// on a remote; elsewhere a detached one must still be seen where the review saw it, whatever the verdict.
+[[nodiscard]] std::optional<std::string> reasonInVerdict(const Worktree& reviewed, const Worktree& fresh,
+                                                         bool isPreserved);
+
 [[nodiscard]] std::vector<std::string> warningsAbout(const Worktree& fresh);
 
 /// The remote that would take the work.

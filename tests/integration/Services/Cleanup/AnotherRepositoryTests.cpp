@@ -118,5 +118,80 @@ TEST_F(CleanupOfAnother, KnowsWhatAnInterruptedRemovalLeftAndCanBeBroughtToItsEn
     EXPECT_EQ(onRemote("second.txt"), "as reviewed");
 }
 
+// What the fresh inspection says beside what was reviewed.
+
+class CleanupThatBecameLessSafe : public CleanupOfAnother {};
+
+TEST_F(CleanupThatBecameLessSafe, StopsWhenTheRemoteBranchOfADetachedCommitWasPruned) {
+    const std::string commit = feature.commitFile("work.txt");
+    feature.publish();
+    const GitRepository detached = project.addDetachedWorktree(home / "detached");
+    detached.git({"switch", "--quiet", "--detach", "feature"});
+    project.git({"worktree", "remove", feature.path().bytes()});
+    project.git({"branch", "--quiet", "-D", "feature"});
+    const CleanupPlan made = plan(review(detached));
+    ASSERT_EQ(rawValue(made.worktree.safety), "remotelyPreserved");
+    ASSERT_FALSE(made.requiresPreservation());
+    project.git({"push", "--quiet", "origin", ":feature"});
+    project.git({"fetch", "--quiet", "--prune", "origin"});
+
+    const CleanupReceipt receipt = execute(made);
+    EXPECT_EQ(receipt.errorSummary,
+              "The worktree at " + detached.path().bytes() + " changed after you reviewed it.");
+    EXPECT_EQ(receipt.outcome, CleanupOutcome::failed);
+    EXPECT_EQ(detached.head(), commit);
+    EXPECT_TRUE(isThere(detached / "work.txt"));
+}
+
+TEST_F(CleanupThatBecameLessSafe, StopsWhenItWasPrunedBehindAVerdictThatStaysTheSame) {
+    feature.commitFile("work.txt");
+    feature.publish();
+    const GitRepository detached = project.addDetachedWorktree(home / "detached");
+    detached.git({"switch", "--quiet", "--detach", "feature"});
+    project.git({"worktree", "remove", feature.path().bytes()});
+    project.git({"branch", "--quiet", "-D", "feature"});
+    detached.write("left-out.txt");
+    CleanupPlan made = plan(review(detached));
+    ASSERT_EQ(rawValue(made.worktree.safety), "untrackedChanges");
+    made.untrackedPathsToCommit.clear();
+    ASSERT_FALSE(made.requiresPreservation());
+    project.git({"push", "--quiet", "origin", ":feature"});
+    project.git({"fetch", "--quiet", "--prune", "origin"});
+    fs::remove((detached / "left-out.txt").bytes());
+
+    EXPECT_EQ(execute(made).errorSummary,
+              "The worktree at " + detached.path().bytes() + " changed after you reviewed it.");
+    EXPECT_TRUE(isThere(detached / "work.txt"));
+}
+
+TEST_F(CleanupThatBecameLessSafe, GoesOnWhenItsCommitsReachedTheRemoteMeanwhile) {
+    feature.commitFile("work.txt");
+    const CleanupPlan made = plan();
+    ASSERT_TRUE(made.requiresPreservation());
+    feature.publish();
+    EXPECT_EQ(execute(made).outcome, CleanupOutcome::succeeded);
+    EXPECT_TRUE(remoteHasBranch());
+}
+
+TEST_F(CleanupThatBecameLessSafe, GoesOnWhenThePullRequestOfTheReviewIsNotKnownNow) {
+    feature.commitFile("work.txt");
+    feature.publish();
+    Worktree reviewed = review();
+    reviewed.pullRequest = PullRequestInfo{.number = 12};
+    reviewed.safety = WorktreeSafety::openPullRequest;
+    EXPECT_TRUE(preflight(reviewed).passed);
+}
+
+TEST_F(CleanupThatBecameLessSafe, KeepsTheSentencesOfItsOwnChecks) {
+    const Worktree reviewed = review();
+    feature.git({"bisect", "start"});
+    EXPECT_THAT(preflight(reviewed).failures, ElementsAre("A bisect is in progress."));
+    feature.git({"bisect", "reset"});
+    feature.write("late.txt");
+    EXPECT_THAT(preflight(reviewed).failures, ElementsAre(changedAfterReview()));
+    services.clock.ahead = std::chrono::seconds(0);
+    EXPECT_THAT(preflight(reviewed).failures, ElementsAre(HasSubstr("Files changed about")));
+}
+
 }  // namespace
 }  // namespace cairnfield

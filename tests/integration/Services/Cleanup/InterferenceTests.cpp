@@ -286,7 +286,8 @@ TEST_F(Cleanup, RefusesAnArchivedFileThatChangesBeforeTheRemoval) {
 TEST_F(Cleanup, RefusesASecretThatAppearsInAWorktreeThatNeedsNoPreservation) {
     const CleanupPlan made = plan();
     ASSERT_FALSE(made.requiresPreservation());
-    feature.write("late.key", "secret\n");
+    commands.before("status --porcelain=v2 -z --untracked-files=all --ignored=no",
+                    [this] { feature.write("late.key", "secret\n"); });
     const CleanupReceipt receipt = execute(made);
     EXPECT_THAT(receipt.errorSummary.value_or(""),
                 HasSubstr("late.key looks sensitive and appeared after the review."));

@@ -46,6 +46,58 @@ TEST(PreflightOfTheSnapshot, LooksAtThePinAndNotAtTheLock) {
     EXPECT_EQ(objectionToSnapshot(worktree, PathOnDisk::there), "This worktree is pinned in Cairnfield.");
 }
 
+TEST(PreflightOfTheVerdict, OrdersAllVerdicts) {
+    using enum WorktreeSafety;
+    const std::vector<std::vector<WorktreeSafety>> fromSafeToUnsafe{
+        {cleanDisposable, cleanMerged, remotelyPreserved, openPullRequest},
+        {sensitiveIgnoredFiles, unsupportedRemote, manualReview},
+        {committedButUnpushed, dirtyTrackedChanges, untrackedChanges, detachedWithUniqueCommits},
+        {submoduleRequiresReview, mergeOrRebaseInProgress, unresolvedConflicts},
+        {activeOrLocked},
+        {mainWorktree, bareRepository, inaccessible}};
+    std::size_t pairs = 0;
+    for (std::size_t left = 0; left < fromSafeToUnsafe.size(); ++left) {
+        for (std::size_t right = 0; right < fromSafeToUnsafe.size(); ++right) {
+            for (const WorktreeSafety fresh : fromSafeToUnsafe[left]) {
+                for (const WorktreeSafety reviewedAs : fromSafeToUnsafe[right]) {
+                    EXPECT_EQ(isLessSafe(fresh, reviewedAs), left > right)
+                        << rawValue(fresh) << " after " << rawValue(reviewedAs);
+                    ++pairs;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(pairs, 18U * 18U) << "each verdict stands once";
+}
+
+TEST(PreflightOfTheVerdict, StopsInTheWordsForAWorktreeThatChanged) {
+    Worktree before = reviewed();
+    before.safety = WorktreeSafety::cleanMerged;
+    Worktree fresh = before;
+    EXPECT_EQ(reasonInVerdict(before, fresh, false), std::nullopt);
+    fresh.safety = WorktreeSafety::manualReview;
+    EXPECT_EQ(reasonInVerdict(before, fresh, false), "The worktree at /w changed after you reviewed it.");
+    EXPECT_EQ(reasonInVerdict(before, fresh, true), "The worktree at /w changed after you reviewed it.");
+    EXPECT_EQ(reasonInVerdict(fresh, before, false), std::nullopt);
+}
+
+TEST(PreflightOfTheVerdict, SeesADetachedCommitThatNothingElseWouldHoldBehindAnyVerdict) {
+    Worktree before = reviewed();
+    before.branch.reset();
+    before.isDetached = true;
+    before.safety = WorktreeSafety::untrackedChanges;
+    before.tracking.headIsRemotelyPreserved = true;
+    Worktree fresh = before;
+    EXPECT_EQ(reasonInVerdict(before, fresh, false), std::nullopt);
+    fresh.tracking.headIsRemotelyPreserved = false;
+    EXPECT_NE(reasonInVerdict(before, fresh, false), std::nullopt);
+    EXPECT_EQ(reasonInVerdict(before, fresh, true), std::nullopt) << "it goes onto the recovery branch";
+    fresh.isDetached = false;
+    EXPECT_EQ(reasonInVerdict(before, fresh, false), std::nullopt) << "its branch stays";
+    fresh.isDetached = true;
+    EXPECT_EQ(reasonInVerdict(fresh, fresh, false), std::nullopt);
+}
+
 TEST(PreflightOfTheListing, FindsTheEntryOfThePath) {
     GitWorktreeEntry other;
     other.path = FilePath("/w2");
