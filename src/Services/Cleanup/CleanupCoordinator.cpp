@@ -102,7 +102,7 @@ Task<CleanupReceipt> CleanupCoordinator::runToItsEnd(CleanupPlan plan, ProgressR
 }
 
 Task<> CleanupCoordinator::carryOut(Run& run) {
-    PreservationSteps steps(git_, run.plan);
+    PreservationSteps steps(git_, blocking_, run.plan);
     const bool preserves = run.plan.requiresPreservation();
     if (preserves) co_await preserve(run, steps);
     if (!run.plan.allFilesToArchive().empty()) co_await archiveLocalFiles(run);
@@ -136,7 +136,9 @@ Task<> CleanupCoordinator::preserve(Run& run, PreservationSteps& steps) {
     run.tell(CleanupStage::pushing, plan.remoteName);
     co_await steps.push();
     run.tell(CleanupStage::verifyingRemote);
-    co_await steps.verifyRemote(run.reached.preservedCommitSHA, plan.worktree.path);
+    std::optional<std::string> named =
+        co_await steps.verifyRemote(run.reached.preservedCommitSHA, plan.worktree.path);
+    run.commitOnRemote = std::move(named);
     const std::optional<std::string> base = run.report.resolvedBaseBranch;
     if (plan.createPullRequest && base) co_await openPullRequest(run, *base);
 }
@@ -181,7 +183,7 @@ Task<> CleanupCoordinator::removeWorktree(Run& run) {
 Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untracked) {
     const Worktree& reviewed = run.plan.worktree;
     const ExpectedHead head = run.plan.requiresPreservation()
-                                  ? ExpectedHead::preserved(run.reached.preservedCommitSHA)
+                                  ? ExpectedHead::preserved(run.commitOnRemote)
                                   : ExpectedHead::reviewed(reviewed);
     const std::optional<RemovalRefusal> refusal =
         co_await look_.atTheEnd({reviewed, head, run.archived, {}, std::move(untracked)});

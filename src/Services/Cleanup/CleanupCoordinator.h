@@ -60,6 +60,7 @@ private:
         const ProgressReport& progress;
         CleanupPreflightReport report;
         ReceiptWriting::Progress reached;
+        std::optional<std::string> commitOnRemote;  ///< as the remote named it
         std::vector<RecoveryVaultEntry> archived;
 
         void tell(CleanupStage stage, std::optional<std::string> detail = std::nullopt) const;

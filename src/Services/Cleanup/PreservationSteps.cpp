@@ -34,6 +34,11 @@ CairnfieldError commitFailure(const std::string& message) {
 }  // namespace
 
 Task<> PreservationSteps::createBranch() {
+    co_await goToBranch();
+    co_await reviewedHead_.assertHeldByHead(plan_.recoveryBranch);
+}
+
+Task<> PreservationSteps::goToBranch() {
     const FilePath& directory = plan_.worktree.path;
     const std::string& branch = plan_.recoveryBranch;
     const GitArguments exists{"show-ref", "--verify", "--quiet", "refs/heads/" + branch};
@@ -47,6 +52,7 @@ Task<> PreservationSteps::createBranch() {
     const std::optional<std::string> current =
         co_await git_.optionalString(present, directory, questionLimit);
     if (current == branch) co_return;
+    co_await reviewedHead_.assertHeldBy(branch);
     const GitArguments go{"switch", branch};
     co_await git_.runChecked(go, directory, switchLimit);
 }
@@ -102,12 +108,13 @@ Task<> PreservationSteps::push() {
     if (!result.succeeded()) throw CairnfieldError(CairnfieldError::PushRejected{result.standardError});
 }
 
-Task<> PreservationSteps::verifyRemote(std::optional<std::string> expected, FilePath directory) {
-    if (!plan_.remoteName) co_return;
+Task<std::optional<std::string>> PreservationSteps::verifyRemote(std::optional<std::string> expected,
+                                                                 FilePath directory) {
+    if (!plan_.remoteName) co_return std::nullopt;
     const std::string& branch = plan_.recoveryBranch;
-    const std::optional<std::string> actual = co_await remoteSHA(*plan_.remoteName, std::move(directory));
+    std::optional<std::string> actual = co_await remoteSHA(*plan_.remoteName, std::move(directory));
     if (!actual) throw CairnfieldError(CairnfieldError::RemoteVerificationFailed{branch});
-    if (!expected || *actual == *expected) co_return;
+    if (!expected || *actual == *expected) co_return actual;
     throw CairnfieldError(CairnfieldError::RemoteBranchCollision{branch, *actual, *expected});
 }
 

@@ -5,16 +5,21 @@
 // done until then stays.
 
 #include "Services/Cleanup/CleanupPlan.h"
+#include "Services/Cleanup/ReviewedHead.h"
 #include "Services/Git/GitCommandRunner.h"
 
 namespace cairnfield {
 
 class PreservationSteps {
 public:
-    /// `plan` outlives the steps.
-    PreservationSteps(GitCommandRunner git, const CleanupPlan& plan) : git_(std::move(git)), plan_(plan) {}
+    /// `blocking`, for looking at files, and `plan` outlive the steps.
+    PreservationSteps(const GitCommandRunner& git, Executor& blocking, const CleanupPlan& plan)
+        : git_(git),
+          plan_(plan),
+          reviewedHead_(git, blocking, plan.worktree) {}
 
-    /// The worktree stands on the recovery branch afterwards. One that exists already is gone to, not reset.
+    /// The worktree stands on the recovery branch afterwards, which holds the reviewed commit. A branch that
+    /// exists already is gone to, not reset, and not gone to when it does not hold that commit.
     [[nodiscard]] Task<> createBranch();
     [[nodiscard]] Task<> stage(std::vector<std::string> paths);
     [[nodiscard]] Task<> commit();
@@ -24,14 +29,18 @@ public:
     [[nodiscard]] Task<> push();
 
     /// The proof: the server itself names the branch, at the expected commit. Asked from `directory`, since
-    /// the worktree may be gone. Without an expected commit the branch's presence must do.
-    [[nodiscard]] Task<> verifyRemote(std::optional<std::string> expected, FilePath directory);
+    /// the worktree may be gone. Without an expected commit the branch's presence must do. Gives the commit
+    /// that the server named.
+    [[nodiscard]] Task<std::optional<std::string>> verifyRemote(std::optional<std::string> expected,
+                                                                FilePath directory);
 
 private:
+    [[nodiscard]] Task<> goToBranch();
     [[nodiscard]] Task<std::optional<std::string>> remoteSHA(std::string remote, FilePath directory);
 
     GitCommandRunner git_;
     const CleanupPlan& plan_;
+    ReviewedHead reviewedHead_;
 };
 
 }  // namespace cairnfield
