@@ -123,9 +123,11 @@ Task<> CleanupCoordinator::preserve(Run& run, PreservationSteps& steps) {
 
     std::vector<std::string> paths = plan.trackedPathsToCommit;
     paths.insert(paths.end(), plan.untrackedPathsToCommit.begin(), plan.untrackedPathsToCommit.end());
+    std::vector<std::string> toCommit;
     if (!paths.empty()) {
         run.tell(CleanupStage::staging, countOf(paths.size()));
-        co_await steps.stage(paths);
+        std::vector<std::string> staged = co_await steps.stage(std::move(paths));
+        toCommit = std::move(staged);
         run.tell(CleanupStage::committing);
         co_await steps.commit();
     }

@@ -1,7 +1,6 @@
 #include "Services/Cleanup/PreservationSteps.h"
 
 #include "Services/Cleanup/RemoteName.h"
-#include "Services/Cleanup/StagedPaths.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Text/Text.h"
 
@@ -16,7 +15,6 @@ using std::chrono::seconds;
 constexpr seconds questionLimit{20};
 constexpr seconds createLimit{60};
 constexpr seconds switchLimit{30};
-constexpr seconds stageLimit{120};
 constexpr seconds commitLimit{180};
 constexpr seconds remoteHeadLimit{60};
 constexpr seconds pushLimit{180};
@@ -57,13 +55,8 @@ Task<> PreservationSteps::goToBranch() {
     co_await git_.runChecked(go, directory, switchLimit);
 }
 
-Task<> PreservationSteps::stage(std::vector<std::string> paths) {
-    const std::vector<std::vector<std::string>> batches = StagedPaths::batches(paths);
-    for (const std::vector<std::string>& batch : batches) {
-        GitArguments add{"add", "--"};
-        add.insert(add.end(), batch.begin(), batch.end());
-        co_await git_.runChecked(std::move(add), plan_.worktree.path, stageLimit);
-    }
+Task<std::vector<std::string>> PreservationSteps::stage(std::vector<std::string> paths) {
+    return staging_.stage(std::move(paths));
 }
 
 Task<> PreservationSteps::commit() {

@@ -6,6 +6,7 @@
 
 #include "Services/Cleanup/CleanupPlan.h"
 #include "Services/Cleanup/ReviewedHead.h"
+#include "Services/Cleanup/Staging.h"
 #include "Services/Git/GitCommandRunner.h"
 
 namespace cairnfield {
@@ -16,12 +17,14 @@ public:
     PreservationSteps(const GitCommandRunner& git, Executor& blocking, const CleanupPlan& plan)
         : git_(git),
           plan_(plan),
-          reviewedHead_(git, blocking, plan.worktree) {}
+          reviewedHead_(git, blocking, plan.worktree),
+          staging_(git, blocking, plan) {}
 
     /// The worktree stands on the recovery branch afterwards, which holds the reviewed commit. A branch that
     /// exists already is gone to, not reset, and not gone to when it does not hold that commit.
     [[nodiscard]] Task<> createBranch();
-    [[nodiscard]] Task<> stage(std::vector<std::string> paths);
+    /// Gives the paths that the commit has to cover.
+    [[nodiscard]] Task<std::vector<std::string>> stage(std::vector<std::string> paths);
     [[nodiscard]] Task<> commit();
     /// What HEAD is at; absent when git does not say.
     [[nodiscard]] Task<std::optional<std::string>> head();
@@ -41,6 +44,7 @@ private:
     GitCommandRunner git_;
     const CleanupPlan& plan_;
     ReviewedHead reviewedHead_;
+    Staging staging_;
 };
 
 }  // namespace cairnfield
