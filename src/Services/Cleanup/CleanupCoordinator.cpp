@@ -134,6 +134,7 @@ Task<> CleanupCoordinator::preserve(Run& run, PreservationSteps& steps) {
     std::optional<std::string> commit = co_await steps.head();
     run.reached.preservedCommitSHA = std::move(commit);
     run.reached.recoveryBranch = plan.recoveryBranch;
+    co_await steps.assertCommitted(std::move(toCommit), run.reached.preservedCommitSHA);
 
     run.tell(CleanupStage::pushing, plan.remoteName);
     co_await steps.push();

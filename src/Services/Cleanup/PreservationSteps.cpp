@@ -59,6 +59,10 @@ Task<std::vector<std::string>> PreservationSteps::stage(std::vector<std::string>
     return staging_.stage(std::move(paths));
 }
 
+Task<> PreservationSteps::assertCommitted(std::vector<std::string> paths, std::optional<std::string> head) {
+    return committedPaths_.assertCovered(std::move(paths), std::move(head));
+}
+
 Task<> PreservationSteps::commit() {
     const GitArguments commit{"commit", "--message", plan_.commitMessage};
     const CommandResult result = co_await git_.run(commit, plan_.worktree.path, commitLimit);

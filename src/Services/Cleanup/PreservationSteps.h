@@ -5,6 +5,7 @@
 // done until then stays.
 
 #include "Services/Cleanup/CleanupPlan.h"
+#include "Services/Cleanup/CommittedPaths.h"
 #include "Services/Cleanup/ReviewedHead.h"
 #include "Services/Cleanup/Staging.h"
 #include "Services/Git/GitCommandRunner.h"
@@ -18,7 +19,8 @@ public:
         : git_(git),
           plan_(plan),
           reviewedHead_(git, blocking, plan.worktree),
-          staging_(git, blocking, plan) {}
+          staging_(git, blocking, plan),
+          committedPaths_(git, blocking, plan.worktree.path) {}
 
     /// The worktree stands on the recovery branch afterwards, which holds the reviewed commit. A branch that
     /// exists already is gone to, not reset, and not gone to when it does not hold that commit.
@@ -26,6 +28,8 @@ public:
     /// Gives the paths that the commit has to cover.
     [[nodiscard]] Task<std::vector<std::string>> stage(std::vector<std::string> paths);
     [[nodiscard]] Task<> commit();
+    /// Refuses when one of the paths was left out of the commit at `head` and is out of git's sight since.
+    [[nodiscard]] Task<> assertCommitted(std::vector<std::string> paths, std::optional<std::string> head);
     /// What HEAD is at; absent when git does not say.
     [[nodiscard]] Task<std::optional<std::string>> head();
     /// A remote branch that exists is never overwritten, and one that holds the work already is left alone.
@@ -45,6 +49,7 @@ private:
     const CleanupPlan& plan_;
     ReviewedHead reviewedHead_;
     Staging staging_;
+    CommittedPaths committedPaths_;
 };
 
 }  // namespace cairnfield
