@@ -1,9 +1,11 @@
 #include "Services/Cleanup/CleanupCoordinator.h"
 
+#include "Services/Cleanup/ChosenFiles.h"
 #include "Services/Cleanup/EarlierRecovery.h"
 #include "Services/Cleanup/PullRequestText.h"
 #include "Services/Cleanup/RemovalSteps.h"
 #include "Services/Git/WorktreeIdentity.h"
+#include "Shared/Concurrency/RunOn.h"
 #include "Shared/Errors/CairnfieldError.h"
 #include "Shared/Logging/Log.h"
 #include "Shared/Text/Text.h"
@@ -41,6 +43,7 @@ CleanupCoordinator::CleanupCoordinator(const Surroundings& surroundings, const G
                                        GitHubServicing& github, RecoveryVaultServicing& vault,
                                        CleanupReceiptStore& receipts, WorktreeInspecting& inspector)
     : Actor(surroundings.pool),
+      blocking_(surroundings.blocking),
       clock_(surroundings.clock),
       git_(git),
       github_(github),
@@ -191,6 +194,11 @@ Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untra
     const std::optional<RemovalRefusal> refusal =
         co_await look_.atTheEnd({reviewed, head, run.archived, {}, std::move(untracked)});
     if (refusal) throw refusal->asError(reviewed.path);
+    const auto look = [&run] {
+        return refusalForUnarchived(run.plan.allFilesToArchive(), run.archived, run.plan.worktree.path);
+    };
+    const std::optional<CairnfieldError> unarchived = co_await runOn(blocking_, look);
+    if (unarchived) throw CairnfieldError(*unarchived);
 }
 
 }  // namespace cairnfield

@@ -75,6 +75,7 @@ private:
     Task<> removeWorktree(Run& run);
     Task<> lookOnceMore(Run& run, std::vector<std::string> untracked);
 
+    Executor& blocking_;
     const WallClock& clock_;
     const GitCommandRunner git_;
     GitHubServicing& github_;
