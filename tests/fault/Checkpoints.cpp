@@ -9,11 +9,13 @@
 namespace cairnfield {
 
 Checkpoints::Checkpoints(JsonLines& lines, FileDescriptor answers, std::set<std::size_t> numbers,
-                         std::vector<std::string> names, std::chrono::seconds ahead)
+                         std::vector<std::string> names, std::chrono::seconds ahead,
+                         std::optional<std::chrono::seconds> at)
     : lines_(lines),
       answers_(std::move(answers)),
       numbers_(std::move(numbers)),
-      secondsAhead_(ahead.count()),
+      standsStill_(at.has_value()),
+      seconds_(at.value_or(ahead).count()),
       names_(std::move(names)) {}
 
 void Checkpoints::reach(const std::string& name) {
@@ -25,7 +27,8 @@ void Checkpoints::reach(const std::string& name) {
 }
 
 Date Checkpoints::now() const {
-    return std::chrono::system_clock::now() + std::chrono::seconds(secondsAhead_.load());
+    const std::chrono::seconds seconds(seconds_.load());
+    return standsStill_ ? Date(seconds) : std::chrono::system_clock::now() + seconds;
 }
 
 bool Checkpoints::standsStillAt(std::size_t number, const std::string& name) {
@@ -41,7 +44,7 @@ void Checkpoints::waitForGo() {
     for (;;) {
         const std::string line = answerLine();
         if (!line.starts_with(jump)) return;
-        secondsAhead_ += std::stoll(line.substr(jump.size()));
+        seconds_ += std::stoll(line.substr(jump.size()));
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -20,9 +21,11 @@ class Checkpoints final : public WallClock {
 public:
     /// Stands still at the numbers of `numbers`, and at the first checkpoint whose name begins with each of
     /// `names`. Answers come line by line through `answers`: "go", or "jump SECONDS" before it. Its end means
-    /// "go" for ever. `ahead` is how far the clock is ahead of the real one.
+    /// "go" for ever. `ahead` is how far the clock is ahead of the real one; with `at` it stands still there,
+    /// but for its jumps.
     Checkpoints(JsonLines& lines, FileDescriptor answers, std::set<std::size_t> numbers,
-                std::vector<std::string> names, std::chrono::seconds ahead);
+                std::vector<std::string> names, std::chrono::seconds ahead,
+                std::optional<std::chrono::seconds> at);
 
     void reach(const std::string& name);
 
@@ -36,7 +39,8 @@ private:
     JsonLines& lines_;
     const FileDescriptor answers_;
     const std::set<std::size_t> numbers_;
-    std::atomic<std::int64_t> secondsAhead_;
+    const bool standsStill_;
+    std::atomic<std::int64_t> seconds_;  ///< ahead of the real clock, or since 1970 where it stands still
 
     std::mutex mutex_;
     std::vector<std::string> names_;  // guarded by mutex_

@@ -27,13 +27,22 @@ void FaultyProcessRunner::makeFaulty(CommandInvocation& invocation, const std::s
     for (const auto& [beginning, limit] : request_.limits) {
         if (line.starts_with(beginning)) invocation.timeout = limit;
     }
-    const std::size_t number = ++started_;
-    const auto fault = request_.faults.find(number);
-    if (fault == request_.faults.end()) return;
-    invocation.environment["FAULT_KIND"] = fault->second;
+    const std::optional<std::string> kind = faultOf(++started_, line);
+    if (!kind) return;
+    invocation.environment["FAULT_KIND"] = *kind;
     invocation.environment["FAULT_PROGRAM"] = invocation.executableURL.bytes();
     invocation.executableURL = *request_.faultScript;
-    if (fault->second.starts_with("hang")) invocation.timeout = request_.hangLimit;
+    if (kind->starts_with("hang")) invocation.timeout = request_.hangLimit;
+}
+
+std::optional<std::string> FaultyProcessRunner::faultOf(std::size_t number, const std::string& line) {
+    const auto numbered = request_.faults.find(number);
+    if (numbered != request_.faults.end()) return numbered->second;
+    const std::lock_guard lock(mutex_);
+    for (const auto& [beginning, kind] : request_.faultsByLine) {
+        if ((phase_ + line).starts_with(beginning) && hadTheirFault_.insert(beginning).second) return kind;
+    }
+    return std::nullopt;
 }
 
 }  // namespace cairnfield

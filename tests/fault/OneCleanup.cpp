@@ -1,11 +1,15 @@
 #include "fault/OneCleanup.h"
 
+#include "Features/CleanupReview/CleanupReviewText.h"
+#include "Features/Worktrees/WorktreeDetailText.h"
 #include "Persistence/CleanupReceiptStore.h"
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
 #include "Platform/Linux/LinuxVolumeInformation.h"
+#include "Services/Cleanup/CleanupChoices.h"
 #include "Services/Cleanup/CleanupCoordinator.h"
 #include "Services/Cleanup/RecoveryVaultService.h"
+#include "Services/Cleanup/ReviewLook.h"
 #include "Services/FileSystem/DirectorySizeScanner.h"
 #include "Services/Git/ActivityDetecting.h"
 #include "Services/Git/GitWorktreeInspector.h"
@@ -105,21 +109,24 @@ Task<std::optional<Worktree>> reviewed(Parts& parts) {
     co_return worktree;
 }
 
-/// The default plan, changed as the review sheet changes it when the person starts.
-CleanupPlan planFor(const Worktree& worktree, const RunRequest& request, Date now) {
+CleanupPlan proposedPlan(const Worktree& worktree, const RunRequest& request, Date now) {
     PlanDefaults defaults;
+    defaults.createDraftPullRequests = request.createsPullRequest;
     defaults.preserveSmallLocalFiles = request.includesSensitive;
     defaults.maxVaultFileBytes = request.largestVaultFile;
     defaults.retentionDays = 90;
     defaults.now = now;
-    CleanupPlan plan = CleanupPlan::makeDefault(worktree, defaults);
-    if (!request.includesUntracked) plan.untrackedPathsToCommit.clear();
-    if (request.includesSensitive) {
-        plan.filesToArchive = worktree.sensitiveIgnoredEntries();
-        std::erase_if(plan.filesToArchive, [](const IgnoredEntry& entry) { return entry.isDirectory; });
-    }
-    plan.createPullRequest = request.createsPullRequest;
-    return plan;
+    return CleanupPlan::makeDefault(worktree, defaults);
+}
+
+/// As the review sheet makes it of what the person switched.
+CleanupPlan chosenPlan(const CleanupPlan& proposed, const RunRequest& request) {
+    CleanupChoices choices = CleanupChoices::proposed(proposed);
+    choices.includeUntracked = request.includesUntracked;
+    choices.includeSensitiveInVault = request.includesSensitive;
+    choices.includeNestedInVault = request.includesNested;
+    choices.createPullRequest = request.createsPullRequest;
+    return applied(proposed, choices, request.createsPullRequest);
 }
 
 Json textsOf(const std::vector<std::string>& texts) {
@@ -128,19 +135,48 @@ Json textsOf(const std::vector<std::string>& texts) {
     return list;
 }
 
-void printReview(const CleanupPlan& plan, JsonLines& lines) {
+Json rowsOf(const std::vector<LabelledText>& rows) {
+    Json list = Json::array();
+    for (const LabelledText& row : rows)
+        list.push_back({{"label", jsonFromText(row.label)}, {"value", jsonFromText(row.value)}});
+    return list;
+}
+
+/// What the program goes by.
+void printPlan(const CleanupPlan& plan, JsonLines& lines) {
     const Worktree& worktree = plan.worktree;
-    Json ignored = Json::array();
-    for (const IgnoredEntry& entry : worktree.ignoredEntries)
-        ignored.push_back({{"name", jsonFromText(entry.name)}, {"class", rawValue(entry.classification)}});
     lines.print("review", {{"safety", rawValue(worktree.safety)},
                            {"head", worktree.headSHA.value_or("")},
                            {"changed", textsOf(plan.trackedPathsToCommit)},
                            {"untracked", textsOf(plan.untrackedPathsToCommit)},
-                           {"ignored", std::move(ignored)},
                            {"archived", plan.filesToArchive.size()},
                            {"preserves", plan.requiresPreservation()},
                            {"branch", jsonFromText(plan.recoveryBranch)}});
+}
+
+/// What the person reads before they start it: the pane that offers the cleanup, and the sheet, line by line.
+void printScreen(const CleanupPlan& plan, const CleanupPreflightReport& report, Date now, JsonLines& lines) {
+    const Worktree& worktree = plan.worktree;
+    const WorktreeDetailText pane = detailText(worktree, SizeKnowledge::known, now);
+    Json ignored = Json::array();
+    for (std::size_t i = 0; i < pane.ignored.size(); ++i) {
+        ignored.push_back({{"name", jsonFromText(worktree.ignoredEntries.at(i).name)},
+                           {"shown", jsonFromText(pane.ignored[i].name)},
+                           {"class", jsonFromText(pane.ignored[i].classification)}});
+    }
+    Json nested = Json::array();
+    for (const IgnoredEntry& file : plan.nested.seen) nested.push_back(jsonFromText(file.relativePath));
+    const PreservedText preserved = preservedText(plan, report);
+    lines.print("screen", {{"safety", jsonFromText(std::string(title(pane.disposition)))},
+                           {"explanation", jsonFromText(pane.explanation)},
+                           {"ignored", std::move(ignored)},
+                           {"warnings", textsOf(warningLines(report))},
+                           {"found", rowsOf(foundRows(worktree))},
+                           {"preserved", jsonFromText(preserved.statement.text)},
+                           {"rows", rowsOf(preserved.rows)},
+                           {"sensitive", textsOf(sensitiveLines(worktree))},
+                           {"nested", std::move(nested)},
+                           {"rebuildable", textsOf(rebuildableLines(worktree))}});
 }
 
 Task<> cleanUp(Parts& parts, Checkpoints& checkpoints, JsonLines& lines) {
@@ -161,8 +197,22 @@ Task<> cleanUp(Parts& parts, Checkpoints& checkpoints, JsonLines& lines) {
         lines.print("unlisted", {{"reason", jsonFromText(failure.value_or("git does not list it"))}});
         co_return;
     }
-    const CleanupPlan plan = planFor(*worktree, parts.request, checkpoints.now());
-    printReview(plan, lines);
+    CleanupPlan proposed = proposedPlan(*worktree, parts.request, checkpoints.now());
+    const ReviewLook look = lookForReview(*worktree, parts.request.largestVaultFile, {});
+    proposed.nested = look.nested;
+    const CleanupPlan plan = chosenPlan(proposed, parts.request);
+    printPlan(plan, lines);
+    CleanupPreflightReport preflight =
+        co_await parts.coordinator.preflight(*worktree, proposed.requiresPreservation());
+    if (!preflight.passed) {
+        lines.print("blocked", {{"reason", jsonFromText(blockedText(preflight))}});
+        co_return;
+    }
+    if (look.nested.failure) {
+        lines.print("blocked", {{"reason", jsonFromText(*look.nested.failure)}});
+        co_return;
+    }
+    printScreen(proposed, preflight, checkpoints.now(), lines);
     parts.commands.enter("");
     checkpoints.reach("reviewed");
     const CleanupCoordinator::ProgressReport report = [&](const CleanupProgress& progress) {

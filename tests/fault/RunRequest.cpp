@@ -42,6 +42,7 @@ const Setters& setters() {
         {"gh", [](Request& to, const Text& text) { to.gh = FilePath(text); }},
         {"untracked", [](Request& to, const Text& text) { to.includesUntracked = answerFrom(text); }},
         {"sensitive", [](Request& to, const Text& text) { to.includesSensitive = answerFrom(text); }},
+        {"nested", [](Request& to, const Text& text) { to.includesNested = answerFrom(text); }},
         {"draft", [](Request& to, const Text& text) { to.createsPullRequest = answerFrom(text); }},
         {"largest",
          [](Request& to, const Text& text) { to.largestVaultFile = numberFrom<std::int64_t>(text); }},
@@ -50,6 +51,11 @@ const Setters& setters() {
          [](Request& to, const Text& text) {
              const auto [number, kind] = parted(text);
              to.faults[numberFrom<std::size_t>(number)] = kind;
+         }},
+        {"fault-at",
+         [](Request& to, const Text& text) {
+             const auto [line, kind] = parted(text);
+             to.faultsByLine[line] = kind;
          }},
         {"limit",
          [](Request& to, const Text& text) {
@@ -60,6 +66,8 @@ const Setters& setters() {
         {"pause-at", [](Request& to, const Text& text) { to.pausePoints.push_back(text); }},
         {"ahead", [](Request& to,
                      const Text& text) { to.ahead = std::chrono::seconds(numberFrom<std::int64_t>(text)); }},
+        {"at", [](Request& to,
+                  const Text& text) { to.at = std::chrono::seconds(numberFrom<std::int64_t>(text)); }},
     };
     return all;
 }
@@ -75,7 +83,8 @@ RunRequest RunRequest::from(std::span<char*> words) {
             throw WrongRequest("unknown word: " + word);
         setter->second(request, word.substr(sign + 1));
     }
-    if (!request.faults.empty() && !request.faultScript) throw WrongRequest("faults need a script");
+    const bool isFaulty = !request.faults.empty() || !request.faultsByLine.empty();
+    if (isFaulty && !request.faultScript) throw WrongRequest("faults need a script");
     return request;
 }
 

@@ -35,11 +35,13 @@ struct RunRequest {
     // What the person chooses on the review sheet.
     bool includesUntracked = true;
     bool includesSensitive = true;
+    bool includesNested = true;
     bool createsPullRequest = false;
     std::int64_t largestVaultFile = 1'000'000;  ///< bytes
 
     // What goes wrong.
     std::map<std::size_t, std::string> faults;  ///< kind by the number of the command, from 1 on
+    std::map<std::string, std::string> faultsByLine;  ///< kind by the beginning of the line of the first such
     std::optional<FilePath> faultScript;        ///< started in place of a faulty command
     std::chrono::nanoseconds hangLimit{std::chrono::milliseconds(250)};
     std::vector<Limit> limits;  ///< by the beginning of a command's line
@@ -47,6 +49,7 @@ struct RunRequest {
     std::set<std::size_t> pauses;          ///< numbers of checkpoints
     std::vector<std::string> pausePoints;  ///< beginnings of their names
     std::chrono::seconds ahead{std::chrono::hours(1)};
+    std::optional<std::chrono::seconds> at;  ///< since 1970, where the clock stands still
 
     /// Throws WrongRequest.
     [[nodiscard]] static RunRequest from(std::span<char*> words);

@@ -1,9 +1,8 @@
-"""The account of every byte that a person has in a world, and where each of them is later."""
+"""One look at a worktree: every byte, commit and reference that a person has in it at that moment."""
 
 import hashlib
 import os
 import stat
-from collections import Counter
 from dataclasses import dataclass, field
 
 
@@ -17,45 +16,56 @@ def split(output, separator=b"\0"):
 
 @dataclass(frozen=True)
 class Item:
-    """One file as it stands in the worktree."""
+    """One version of one file as it stands in the worktree."""
     path: bytes
-    kind: str      # file or link
-    identity: str  # as git would name the content
+    kind: str          # file or link
+    identity: str      # as git would name the bytes as they are
+    executable: bool
     size: int
-    standing: str  # tracked, untracked or ignored
+    standing: str      # tracked, untracked or ignored
+    stored: str = ""   # as git would name them after its conversions, where these change something
+
+    @property
+    def version(self):
+        return self.path, self.kind, self.identity, self.executable
+
+    def __str__(self):
+        return f"{self.standing} {'executable ' if self.executable else ''}{self.kind} {self.path!r}"
 
 
 @dataclass
 class Account:
     files: dict = field(default_factory=dict)      # path -> Item
-    staged: list = field(default_factory=list)     # (path, identity) that only the index holds
+    staged: set = field(default_factory=set)       # (path, identity) that only the index holds
     head: str = ""
+    branch: str = ""                               # its reference; empty: HEAD is detached
     commits: set = field(default_factory=set)      # reachable from HEAD
     remembered: set = field(default_factory=set)   # reachable from nothing but HEAD's own log
     own_references: dict = field(default_factory=dict)  # of this worktree alone
-    stashes: list = field(default_factory=list)
-    references: dict = field(default_factory=dict)      # of the repository
-    remote_references: dict = field(default_factory=dict)
-    operation: bool = False
+    own_commits: set = field(default_factory=set)  # that these hold, and HEAD does not
+    stashes: set = field(default_factory=set)
+    is_readable: bool = True                       # git knows HEAD and the index
 
     @property
-    def bytes(self):
-        return sum(item.size for item in self.files.values())
+    def versions(self):
+        return {item.version for item in self.files.values()}
 
 
-def walk(root):
-    """Every file and link below, by its path relative to the root; the worktree's own Git file aside."""
+def walk(root, without=()):
+    """Every file and link below, by its path relative to the root; the worktree's own Git file aside, and whole folders by
+    their paths."""
     stack = [b""]
     while stack:
         folder = stack.pop()
         try:
             entries = list(os.scandir(os.path.join(root, folder)))
-        except (FileNotFoundError, NotADirectoryError):
+        except (FileNotFoundError, NotADirectoryError, PermissionError):
             continue
         for entry in entries:
             relative = os.path.join(folder, entry.name)
             if entry.is_dir(follow_symlinks=False):
-                stack.append(relative)
+                if entry.path not in without:
+                    stack.append(relative)
             elif relative != b".git":
                 yield relative, entry.path
 
@@ -69,13 +79,31 @@ def content_of(path):
         if stat.S_ISREG(mode):
             with open(path, "rb") as file:
                 return "file", file.read()
-    except (FileNotFoundError, NotADirectoryError):
+    except (FileNotFoundError, NotADirectoryError, PermissionError):
         pass
     return None
 
 
+def is_executable(path):
+    try:
+        mode = os.lstat(path).st_mode
+    except OSError:
+        return False
+    return stat.S_ISREG(mode) and mode & 0o100 != 0
+
+
+def version_at(world, path):
+    """What lies at a path of the worktree now, in the form of Item.version; None when that is nothing."""
+    place = world.path(path)
+    found = content_of(place)
+    return found and (path, found[0], blob(found[1], world.algorithm), is_executable(place))
+
+
 def references(world, repository):
+    """None when git cannot tell."""
     output = world.git(repository, "for-each-ref", "--format=%(refname) %(objectname)", check=False)
+    if output is None:
+        return None
     return dict(line.decode(errors="surrogateescape").split(" ") for line in split(output, b"\n"))
 
 
@@ -86,7 +114,7 @@ def shas(output):
 def staged(world):
     """{(path, identity)} of the index, submodules aside."""
     pairs = set()
-    for line in split(world.here("ls-files", "-z", "--stage", check=False)):
+    for line in split(world.inside("ls-files", "-z", "--stage")):
         facts, path = line.split(b"\t", 1)
         mode, identity, _ = facts.decode().split()
         if mode != "160000":
@@ -95,13 +123,12 @@ def staged(world):
 
 
 def take(world):
-    """What there is now. The worktree must be there."""
+    """What there is now. The worktree's folder must be there."""
     account = Account()
-    algorithm = "sha256" if world.object_format == "sha256" else "sha1"
     index = {}
     for path, identity in staged(world):
-        index.setdefault(path, []).append(identity)
-    ignored = set(split(world.here("ls-files", "-z", "--others", "--ignored", "--exclude-standard", check=False)))
+        index.setdefault(path, set()).add(identity)
+    ignored = set(split(world.inside("ls-files", "-z", "--others", "--ignored", "--exclude-standard")))
     inside = tuple(path for path in ignored if path.endswith(b"/"))
     for path, place in walk(world.worktree):
         if path.startswith(world.stores_at):
@@ -112,98 +139,54 @@ def take(world):
         kind, content = found
         is_ignored = path in ignored or path.startswith(inside)
         standing = "tracked" if path in index else "ignored" if is_ignored else "untracked"
-        account.files[path] = Item(path, kind, blob(content, algorithm), len(content), standing)
-
-    account.head = (world.here("rev-parse", "--verify", "--quiet", "HEAD", check=False) or b"").decode().strip()
-    if account.head:
-        account.commits = shas(world.here("rev-list", "HEAD", "--"))
-        tree = tree_of(world, world.worktree, account.head)
-        account.remembered = shas(world.here("rev-list", "--walk-reflogs", "HEAD", "--", check=False)) - account.commits
-    else:
-        tree = set()
+        account.files[path] = Item(path, kind, blob(content, world.algorithm), is_executable(place), len(content), standing,
+                                   stored_as(world, path) if world.filtered and kind == "file" and not is_ignored else "")
+    take_history(world, account)
+    tree = {(path, identity) for path, identity, _ in tree_of(world, world.project, account.head)} if account.head else set()
     for path, identities in index.items():
         present = account.files.get(path)
         for identity in identities:
-            if (path, identity) not in tree and not (present and present.identity == identity):
-                account.staged.append((path, identity))
-    account.stashes = sorted(shas(world.git(world.project, "rev-list", "--walk-reflogs", "refs/stash", "--", check=False)))
-    take_references(world, account)
-    everything = references(world, world.worktree)
-    account.own_references = {name: sha for name, sha in everything.items() if name not in account.references}
+            if (path, identity) not in tree and not (present and identity in (present.identity, present.stored)):
+                account.staged.add((path, identity))
     return account
 
 
-def take_references(world, account):
-    account.references = references(world, world.project)
-    account.remote_references = {str(hub): references(world, hub) for hub in world.hubs}
+def stored_as(world, path):
+    """The name that git's conversions by this path give to the content; empty when they fail."""
+    output = world.inside("hash-object", "--", os.fsdecode(path))
+    return (output or b"").decode().strip()
+
+
+def take_history(world, account):
+    head = world.inside("rev-parse", "--verify", "--quiet", "HEAD")
+    account.head = (head or b"").decode().strip()
+    account.branch = (world.inside("symbolic-ref", "--quiet", "HEAD") or b"").decode(errors="surrogateescape").strip()
+    account.is_readable = bool(account.branch or account.head)
+    if account.head:
+        account.commits = shas(world.inside("rev-list", "HEAD", "--"))
+        account.remembered = shas(world.inside("rev-list", "--walk-reflogs", "HEAD", "--")) - account.commits
+    account.stashes = shas(world.git(world.project, "rev-list", "--walk-reflogs", "refs/stash", "--", check=False))
+    common = references(world, world.project) or {}
+    everything = references_inside(world)
+    account.own_references = {name: sha for name, sha in everything.items() if name not in common}
+    if account.own_references:
+        account.own_commits = shas(world.inside("rev-list", *account.own_references.values(), "--")) - account.commits
+
+
+def references_inside(world):
+    output = world.inside("for-each-ref", "--format=%(refname) %(objectname)")
+    return dict(line.decode(errors="surrogateescape").split(" ") for line in split(output, b"\n"))
 
 
 def tree_of(world, repository, commit):
-    """{(path, identity)} of a commit."""
-    pairs = set()
-    for line in split(world.git(repository, "ls-tree", "-r", "-z", "--full-tree", commit, check=False)):
-        facts, path = line.split(b"\t", 1)
-        pairs.add((path, facts.decode().split()[2]))
-    return pairs
-
-
-@dataclass
-class Whereabouts:
-    """Where the work can be had from after a run, apart from the worktree itself."""
-    remote_commits: set
-    local_commits: set      # by a branch, a tag or the stash
-    tracking_commits: set   # by nothing but a copy of a remote's branch
-    remote_files: set       # (path, identity)
-    local_files: set
-    tracking_files: set
-    vault: set              # (path, identity)
-
-
-def look_around(world, account, index_of_vault, preserved):
-    candidates = {account.head, preserved} - {"", None}
-    remote_commits, remote_tips = set(), {}
-    for hub in world.hubs:
-        found = references(world, hub)
-        remote_commits |= shas(world.git(hub, "rev-list", "--all", check=False)) if found else set()
-        remote_tips |= {sha: hub for sha in found.values()}
-    own = references(world, world.project)
-    local = ["--branches", "--tags", "--glob=refs/stash"]
-    local_commits = shas(world.git(world.project, "rev-list", *local, check=False))
-    local_commits |= shas(world.git(world.project, "rev-list", "--walk-reflogs", "refs/stash", "--", check=False))
-    tracking_commits = shas(world.git(world.project, "rev-list", "--remotes", check=False))
-    candidates |= {sha for name, sha in own.items() if name.startswith("refs/heads/")}
-
-    files = {"remote": set(), "local": set(), "tracking": set()}
-    for commit in candidates | set(remote_tips):
-        if commit in remote_commits:
-            files["remote"] |= tree_of(world, remote_tips.get(commit) or holder(world, commit), commit)
-        elif commit in local_commits:
-            files["local"] |= tree_of(world, world.project, commit)
-        elif commit in tracking_commits and commit == account.head:
-            files["tracking"] |= tree_of(world, world.project, commit)
-    algorithm = "sha256" if world.object_format == "sha256" else "sha1"
-    vault = set()
-    for entry in index_of_vault:
-        found = content_of(entry["storedPath"])
-        if found and found[0] == "file" and entry["originalWorktreePath"] == world.worktree:
-            vault.add((entry["relativePath"], blob(found[1], algorithm)))
-    return Whereabouts(remote_commits, local_commits, tracking_commits, files["remote"], files["local"], files["tracking"],
-                       vault)
-
-
-def holder(world, commit):
-    for hub in world.hubs:
-        if world.git(hub, "cat-file", "-e", commit, check=False) is not None:
-            return hub
-    return world.hub
-
-
-@dataclass
-class Verdict:
-    fates: Counter = field(default_factory=Counter)     # fate -> items
-    amounts: Counter = field(default_factory=Counter)   # fate -> bytes
-    losses: list = field(default_factory=list)
-
-    def note(self, fate, size=0):
-        self.fates[fate] += 1
-        self.amounts[fate] += size
+    """{(path, identity, mode)} of a commit."""
+    known = world.trees.get(commit)
+    if known is None:
+        known = set()
+        for line in split(world.git(repository, "ls-tree", "-r", "-z", "--full-tree", commit, check=False)):
+            facts, path = line.split(b"\t", 1)
+            mode, _, identity = facts.decode().split()
+            known.add((path, identity, mode))
+        if known:
+            world.trees[commit] = known
+    return known

@@ -10,8 +10,10 @@ import subprocess
 import time
 from dataclasses import dataclass, field
 
-import account as accounts
+import ledger as ledgers
+import permissions
 
+WORKERS = set()  # processes that run now: one may be started while another one stands still
 LIMIT = 240  # seconds for one attempt; on an idle machine none takes a hundredth of it
 NOBODY = 65534
 LIES = ("rubbish", "empty", "truncated")
@@ -62,21 +64,24 @@ def descendants_of(process):
 
 
 def end_orphans(patience):
-    """Waits for what a killed worker left behind, and ends what takes longer than `patience` seconds."""
+    """Waits for what a killed worker left behind, and ends what takes longer than `patience` seconds"""
     until = time.monotonic() + patience
     while True:
-        try:
-            process, _ = os.waitpid(-1, os.WNOHANG)
-        except ChildProcessError:
+        left = children_of(os.getpid())
+        if not left:
             return
-        if process == 0:
-            if time.monotonic() > until:
-                for child in descendants_of(os.getpid()):
-                    try:
-                        os.kill(child, signal.SIGKILL)
-                    except ProcessLookupError:
-                        pass
-            time.sleep(0.002)
+        for child in left:
+            try:
+                os.waitpid(child, os.WNOHANG)
+            except ChildProcessError:
+                pass
+        if time.monotonic() > until:
+            for child in left + [other for child in left for other in descendants_of(child)]:
+                try:
+                    os.kill(child, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+        time.sleep(0.002)
 
 
 @dataclass
@@ -84,6 +89,7 @@ class Stop:
     """Where the driver steps in: at the checkpoint of this number, or the first whose name begins so."""
     where: object
     deed: object = None     # a function of the world and the run
+    then: object = None     # a function that is called once the run goes on
     jump: int = 0           # seconds that the clock jumps by
     kill: str = ""          # "program", or "everything": with all of its children
     delay: float = 0.0      # seconds between going on and the kill; negative: killed where it stands
@@ -92,58 +98,82 @@ class Stop:
 @dataclass
 class Run:
     world: object
-    account: object
+    ledger: object
+    number: int = 0          # of the attempt
+    branch: str = ""         # at which the worktree stood before it
     events: list = field(default_factory=list)
     review: dict = None
+    screen: dict = None
+    blocked: str = None      # why the sheet did not offer to begin
     receipt: dict = None
     status: int = 0
     log: str = ""
     killed: bool = False
     timed_out: bool = False
     deeds: list = field(default_factory=list)
-    began_removal: bool = False
-    removal_ended: bool = False
-    removal_in_doubt: bool = False  # something stepped in during or after the removal
-    remote_acts_late: bool = False
+    faulty: list = field(default_factory=list)   # (kind, line) of commands that went wrong
     liar: bool = False
     lied_about_remotes: bool = False  # that a remote's branch holds HEAD
-    last_moment: bool = False  # somebody acted between the last look and the removal
     head_unknown: bool = False  # git did not say what it had committed
-    vault_is_damaged: bool = False
+    damaged: set = field(default_factory=set)    # copies in the vault
     must_store: bool = True
-    may_move: set = field(default_factory=set)
-    seen: dict = field(default_factory=dict)
+    may_move: dict = field(default_factory=dict)  # references and heads that deeds led git to -> moment of the deed
 
-    def contents_seen(self, path):
-        return self.seen.get(path, set())
+    @property
+    def moment(self):
+        return self.number, len(self.events)
 
-    def remember(self, account):
-        self.account = account
-        for path, item in account.files.items():
-            self.seen.setdefault(path, set()).add(item.identity)
-            if item.kind == "link":
-                found = accounts.content_of(os.path.realpath(self.world.path(path)))
-                if found:
-                    algorithm = "sha256" if self.world.object_format == "sha256" else "sha1"
-                    self.seen[path].add(accounts.blob(found[1], algorithm))
+    def reached(self, beginning):
+        """The moment of the first checkpoint of the cleanup itself whose name begins so; None when it was not reached."""
+        return next((moment for moment, name in self.points() if name.startswith(beginning)), None)
+
+    def last_reached(self, beginning):
+        return next((moment for moment, name in reversed(list(self.points())) if name.startswith(beginning)), None)
+
+    def points(self):
+        for number, event in enumerate(self.events, 1):
+            if event["event"] in ("point", "stop"):
+                yield (self.number, number), event["name"]
+
+    @property
+    def began_removal(self):
+        return self.reached("before git worktree remove") is not None or self.removal_ended
+
+    @property
+    def removal_ended(self):
+        return self.reached("after git worktree remove") is not None
+
+    def may(self, *keys):
+        """Git was led somewhere else by a deed: these may move from now on."""
+        for key in keys:
+            self.may_move.setdefault(key, self.moment)
+
+    def may_lead_astray(self):
+        """Git works in the main checkout, or in another clone, from now on."""
+        places = [("references", "refs/heads/main"), ("references", "refs/heads/twin")]
+        self.may(*(key for _, key in places), *(("checkout", key) for key in ("HEAD", "branch", "index")))
+
+    def allows(self, section, key, old, new):
+        return permissions.allows(self, section, key, old, new)
 
 
 def words_for(world, program, stops, faults):
     words = [program, b"repository=" + os.fsencode(world.project), b"worktree=" + world.worktree,
              f"data={world.home / 'data'}", f"config={world.home / 'config'}", "git=/usr/bin/git",
-             f"ahead={world.ahead}", f"gh={world.home / 'bin' / 'gh'}", f"script={world.home / 'bin' / 'fault'}"]
+             f"ahead={world.ahead}" if world.at is None else f"at={world.at}",
+             f"gh={world.home / 'bin' / 'gh'}", f"script={world.home / 'bin' / 'fault'}"]
     words += [f"{name}={value}" for name, value in world.options.items()]
     words += [f"limit={line}:{limit}" for line, limit in world.limits]
-    words += [f"fault={number}:{kind}" for number, kind in faults.items()]
+    words += [f"fault={which}:{kind}" if isinstance(which, int) else f"fault-at={which}:{kind}" for which, kind in faults.items()]
     for stop in stops:
         words.append(f"pause={stop.where}" if isinstance(stop.where, int) else f"pause-at={stop.where}")
     return words
 
 
-def attempt(world, program, account, stops=(), faults=None):
+def attempt(world, program, ledger, stops=(), faults=None):
     """Runs it to its end, or to its kill, and until every child of it has ended."""
-    run = Run(world, account)
-    run.remember(account)
+    ledger.attempts += 1
+    run = Run(world, ledger, ledger.attempts, branch=ledger.branch)
     faults = faults or {}
     script = world.home / "bin" / "fault"
     if faults and not script.exists():
@@ -151,25 +181,30 @@ def attempt(world, program, account, stops=(), faults=None):
         script.chmod(0o755)
     identity = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if world.as_nobody else {}
     variables = dict(world.environment, **world.extra_environment)
-    with open(world.base / "log", "wb") as log:
+    log_file = world.base / f"log-{os.path.basename(os.fsdecode(world.admin))}"
+    with open(log_file, "wb") as log:
         process = subprocess.Popen(words_for(world, program, stops, faults), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                    stderr=log, env=variables, cwd=world.base, **identity)
+        WORKERS.add(process.pid)
         try:
             follow(run, process, list(stops))
         finally:
             if process.poll() is None:
                 process.kill()
             run.status = process.wait()
+            WORKERS.discard(process.pid)
             process.stdout.close()
             try:
                 process.stdin.close()
             except BrokenPipeError:
                 pass
-    end_orphans(patience=0.5 if run.killed else 5)
-    run.log = (world.base / "log").read_text(errors="replace")
+    if not WORKERS:
+        end_orphans(patience=0.5 if run.killed else 5)
+    run.log = log_file.read_text(errors="replace")
     while world.undo:
         world.undo.pop()()
     note_faults(run, faults)
+    ledger.began_removal |= run.began_removal
     return run
 
 
@@ -193,39 +228,42 @@ def follow(run, process, stops):
 
 def heed(run, process, event, stops):
     """True when the worker was killed."""
+    note(run, event)
+    if event["event"] == "stop":
+        name = event["name"]
+        stop = next(stop for stop in stops if stop.where == event["number"] or
+                    isinstance(stop.where, str) and name.startswith(stop.where))
+        stops.remove(stop)
+        return step_in(run, process, stop, name)
+    return False
+
+
+def note(run, event):
     run.events.append(event)
     kind = event["event"]
     if kind == "review":
         run.review = event
+    elif kind == "screen":
+        run.screen = event
+        run.ledger.screens.append(ledgers.Screen(run.moment, event))
+    elif kind == "blocked":
+        run.blocked = event["reason"]
     elif kind == "receipt":
         run.receipt = event["receipt"]
-    elif kind in ("point", "stop"):
-        name = event["name"]
-        run.began_removal |= name.startswith("before git worktree remove")
-        run.removal_ended |= name.startswith("after git worktree remove")
-        if kind == "stop":
-            stop = next(stop for stop in stops if stop.where == event["number"] or
-                        isinstance(stop.where, str) and name.startswith(stop.where))
-            stops.remove(stop)
-            return step_in(run, process, stop, name)
-    return False
 
 
 def step_in(run, process, stop, name):
     if stop.deed:
-        run.deeds.append((getattr(stop.deed, "__name__", "deed"), name))
-        if run.began_removal:
-            run.removal_in_doubt = run.remote_acts_late = True
-        stop.deed(run.world, run)
-        if os.path.lexists(run.world.path(b".git")):
-            run.remember(accounts.take(run.world))
-        else:
-            accounts.take_references(run.world, run.account)
+        title = getattr(stop.deed, "__name__", "deed")
+        run.deeds.append((title, name))
+        run.ledger.around(lambda: stop.deed(run.world, run), title, run.moment, run.allows)
     if stop.kill and stop.delay < 0:
         return kill(run, process, stop.kill)
     answer = f"jump {stop.jump}\n" if stop.jump else ""
     process.stdin.write((answer + "go\n").encode())
     process.stdin.flush()
+    if stop.then:
+        stop.then()
     if stop.kill:
         time.sleep(stop.delay)
         return kill(run, process, stop.kill)
@@ -247,12 +285,7 @@ def kill(run, process, what):
             event = json.loads(line)
         except ValueError:
             break
-        run.events.append(event)
-        if event["event"] == "receipt":
-            run.receipt = event["receipt"]
-        run.began_removal |= event.get("name", "").startswith("before git worktree remove")
-        run.removal_ended |= event.get("name", "").startswith("after git worktree remove")
-    run.began_removal |= run.removal_ended
+        note(run, event)
     return True
 
 
@@ -265,13 +298,15 @@ def commands_of(run):
 def note_faults(run, faults):
     """Which commands were faulty, by their lines; one that lies about its success is told apart."""
     begun = commands_of(run)
-    removal = next((number for number, line in enumerate(begun, 1) if "git worktree remove" in line), len(begun) + 1)
-    for number, kind in faults.items():
-        if number > len(begun):
+    for which, kind in faults.items():
+        if isinstance(which, int):
+            line = begun[which - 1] if which <= len(begun) else None
+        else:
+            line = next((line for line in begun if line.replace("before ", "", 1).startswith(which)), None)
+        if line is None:
             continue
-        line = begun[number - 1]
         run.deeds.append((kind, line))
+        run.faulty.append((kind, line))
         run.liar |= kind.startswith(LIES)
         run.lied_about_remotes |= kind.startswith(LIES) and "git branch -r --contains" in line
         run.head_unknown |= "rev-parse HEAD" in line
-        run.removal_in_doubt |= number >= removal

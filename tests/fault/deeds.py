@@ -149,13 +149,13 @@ def unstash(world, run):
 @deed
 def switch_to_new(world, run):
     run_git(world, "switch", "--quiet", "--create", "meanwhile")
-    run.may_move.add("refs/heads/meanwhile")  # whoever goes to another branch gets the commit there
+    run.may("refs/heads/meanwhile")  # whoever goes to another branch gets the commit there
 
 
 @deed
 def switch_back(world, run):
     run_git(world, "switch", "--quiet", "feature")
-    run.may_move.add("refs/heads/feature")
+    run.may("refs/heads/feature")
 
 
 @deed
@@ -196,7 +196,7 @@ def move_worktree(world, run):
     target = os.path.join(os.fsencode(world.base), b"moved-away")
     world.git(world.project, "worktree", "move", os.fsdecode(world.worktree), os.fsdecode(target), check=False)
     if os.path.isdir(target) and not os.path.lexists(world.worktree):
-        world.worktree = target
+        world.move(target)
 
 
 @deed
@@ -219,7 +219,6 @@ def prune_worktrees(world, run):
 @deed
 def make_local_branch(world, run):
     world.git(world.project, "branch", branch_of(run), "main", check=False)
-    run.may_move.add("refs/heads/" + branch_of(run))
 
 
 @deed
@@ -282,7 +281,7 @@ def remote_moves_inside(world, run):
 def lead_git_elsewhere(world, run):
     """The worktree's Git file names the main repository from now on."""
     git_file = Path(os.fsdecode(world.path(b".git")))
-    run.may_move.add("refs/heads/main")  # that is where commits go from now on
+    run.may_lead_astray()
     if git_file.is_file():
         before = git_file.read_bytes()
         git_file.write_bytes(b"gitdir: " + os.fsencode(world.project / ".git") + b"\n")
@@ -307,9 +306,9 @@ def break_configuration(world, run):
 def damage_vault_copy(world, run):
     if run.began_removal:
         return  # nobody could help that
-    run.vault_is_damaged = True
-    for folder, _, files in os.walk(world.support / "Recovery"):
+    for folder, _, files in os.walk(os.fsencode(world.support / "Recovery")):
         for name in files:
+            run.damaged.add(os.path.join(folder, name))
             with open(os.path.join(folder, name), "ab") as file:
                 file.write(b"damage")
 

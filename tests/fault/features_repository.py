@@ -234,7 +234,8 @@ def reached_by_a_link(w, rng):
     os.symlink(w.base, w.base / "loop")
     target = os.path.join(os.fsencode(w.base), b"loop", b"linked")
     w.git(w.project, "worktree", "add", "--quiet", "-b", "linked", os.fsdecode(target))
-    w.worktree = os.path.join(os.fsencode(w.base), b"linked")
+    w.move(os.path.join(os.fsencode(w.base), b"linked"))
+    w.admin = os.fsencode(w.project / ".git" / "worktrees" / "linked")
 
 
 @feature()
@@ -284,14 +285,14 @@ def odd_place(w, rng):
     target = os.path.join(os.fsencode(w.base), name)
     os.makedirs(os.path.dirname(target), exist_ok=True)
     w.git(w.project, "worktree", "move", os.fsdecode(w.worktree), os.fsdecode(target))
-    w.worktree = target
+    w.move(target)
 
 
 @feature("place")
 def inside_the_project(w, rng):
     target = os.path.join(os.fsencode(w.project), b"nested")
     w.git(w.project, "worktree", "move", os.fsdecode(w.worktree), os.fsdecode(target))
-    w.worktree = target
+    w.move(target)
 
 
 @feature()

@@ -1,12 +1,14 @@
 """What docs/guarantees.md says goes with a worktree: each entry of it in a run that shows that it goes, that nothing else does,
 and what the person was told."""
 
+import json
 import re
 from pathlib import Path
 
 import attempt as attempts
-import check
 import deeds
+import ledger
+import let_go
 import systematic
 
 PAGE = Path(__file__).resolve().parents[2] / "docs" / "guarantees.md"
@@ -14,22 +16,33 @@ ENTRY = re.compile(r"^\| `([a-z-]+)` \|", re.MULTILINE)
 
 
 def shown_as(name, kind):
-    """The review listed it, as of this class."""
-    return lambda run: any(entry == {"name": name, "class": kind} for entry in run.review["ignored"])
+    """The pane and, where it has a section for them, the sheet list it, as of this class."""
+    return lambda run: let_go.Told([ledger.Screen((1, 0), run.screen)]).kinds.get(name) == kind
 
 
-def listed_changed(name):
-    return lambda run: name in run.review["changed"]
+def counted(label):
+    """The sheet counts what has changed, and names no path."""
+    return lambda run: any(row["label"] == label and row["value"] != "0" for row in run.screen["found"])
 
 
-def told_nothing(run):
-    return run.receipt["errorSummary"] if "errorSummary" in run.receipt else True
+def says(text):
+    return lambda run: text in everything_said(run)
+
+
+def told_nothing(*words):
+    """No screen has any of these words. What the page says of it, "nothing", would be wrong otherwise."""
+    return lambda run: not any(word in everything_said(run) for word in words)
+
+
+def everything_said(run):
+    """Before it began and after it ended, as one text."""
+    return json.dumps([run.screen, run.receipt], ensure_ascii=False)
 
 
 class Going:
-    """`told`: whether the person could know, judged by what the review and the receipt said."""
+    """`told`: whether the person could know, or could not, judged by what the screens said."""
 
-    def __init__(self, features, told=told_nothing, options=None, stops=(), faults=None):
+    def __init__(self, features, told, options=None, stops=(), faults=None):
         self.features = features
         self.told = told
         self.options = options or {}
@@ -49,20 +62,22 @@ def at(step, *names):
 GOING = {
     "ignored-rebuildable": Going(["edit", "build_output"], shown_as("node_modules", "rebuildable")),
     "ignored-unknown": Going(["edit", "unknown_ignored"], shown_as("scratch", "unknown")),
-    "ignored-later": Going(["edit"], stops=[attempts.Stop("after git push", deed=add_build_output)]),
+    "ignored-later": Going(["edit"], told_nothing("late.js"), stops=[attempts.Stop("after git push", deed=add_build_output)]),
     "secret-nested": Going(["edit", "secret_nested"], shown_as("node_modules", "rebuildable")),
     "secret-directory": Going(["edit", "secret_directory"], shown_as(".env.d", "sensitive")),
     "secret-unselected": Going(["edit", "secret"], shown_as(".env", "sensitive"), {"sensitive": "no"}),
     "secret-link": Going(["edit_many", "secret_link_inside"], shown_as("link.key", "sensitive")),
-    "staged-version": Going(["half_staged"], listed_changed("src/deep/c.txt")),
-    "head-reflog": Going(["reset_away", "edit"]),
-    "worktree-references": Going(["own_references", "edit"]),
-    "tracking-reference": Going(["detached_at_a_stale_copy"], lambda run: run.review["safety"] == "remotelyPreserved"),
-    "hooks-change": Going(["edit", "hook_rewrites"], listed_changed("src/a.txt")),
-    "filters": Going(["edit", "clean_filter_that_loses"]),
-    "same-second": Going(["edit", "same_second"]),
-    "lying-git": Going(["detached_with_commits"], faults={11: "rubbish"}),
-    "last-moment": Going(["detached_with_commits_pushed"], stops=at("before git worktree remove", "detach_and_commit")),
+    "staged-version": Going(["half_staged"], counted("Tracked changes")),
+    "head-reflog": Going(["reset_away", "edit"], told_nothing("away.txt", "Add away")),
+    "worktree-references": Going(["own_references", "edit"], told_nothing("refs/worktree", "mine")),
+    "tracking-reference": Going(["detached_at_a_stale_copy"], says("Every commit here already exists on the remote.")),
+    "hooks-change": Going(["edit", "hook_rewrites"], counted("Tracked changes")),
+    "filters": Going(["edit", "clean_filter_that_loses"], counted("Untracked files")),
+    "same-second": Going(["edit", "same_second"], told_nothing("tool.sh")),
+    "lying-git": Going(["detached_with_commits"], says("Every commit here already exists on the remote."),
+                       faults={"review git branch -r --contains": "rubbish"}),
+    "last-moment": Going(["detached_with_commits_pushed"], told_nothing("On no branch"),
+                         stops=at("before git worktree remove", "detach_and_commit")),
 }
 
 
@@ -72,7 +87,7 @@ def named_in_the_page():
 
 def page_and_checker_agree():
     """What either names and the other does not."""
-    return sorted(set(named_in_the_page()) ^ check.NAMES)
+    return sorted(set(named_in_the_page()) ^ let_go.NAMES)
 
 
 def entries(workshop):
@@ -83,7 +98,7 @@ def entries(workshop):
         systematic.expect_success(result)
         if result.fates[name] == 0:
             result.stuck.append(f"nothing went by the name of {name}: {dict(result.fates)}")
-        others = set(result.fates) & check.NAMES - {name} - going_along(name)
+        others = set(result.fates) & let_go.NAMES - {name} - going_along(name)
         if others:
             result.stuck.append(f"more went than {name}: {others}")
         if not going.told(result.runs[0]):

@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
         raiseDescriptorLimit();
         JsonLines lines;
         Checkpoints checkpoints(lines, takeStandardInput(), request.pauses, request.pausePoints,
-                                request.ahead);
+                                request.ahead, request.at);
         cleanOnce(request, checkpoints, lines);
         return 0;
     } catch (const WrongRequest& wrong) {

@@ -30,7 +30,7 @@ def figures_of(result):
     for run in result.runs:
         unlisted = any(event["event"] == "unlisted" for event in run.events)
         outcomes["killed" if run.killed else run.receipt["outcome"] if run.receipt else
-                 "not listed any more" if unlisted else "nothing"] += 1
+                 "not listed any more" if unlisted else "blocked" if run.blocked else "nothing"] += 1
     deeds = [name for run in result.runs for name, _ in run.deeds]
     return {"seed": result.seed, "kind": result.kind, "attempts": len(result.runs), "outcomes": outcomes,
             "kills": sum(run.killed for run in result.runs), "deeds": len(deeds) if result.kind == "deeds" else 0,
@@ -47,7 +47,7 @@ def signature_of(result):
 
 
 def error_of(run):
-    return ((run.receipt or {}).get("errorSummary") or "").split("\n")[0][:60]
+    return scenario.reason_of(run).split("\n")[0][:60]
 
 
 def results_of(workshop, seed, every_fault):

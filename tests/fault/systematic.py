@@ -35,7 +35,7 @@ def untouched(workshop):
 def expect_success(result):
     receipt = result.runs[-1].receipt or {}
     if receipt.get("outcome") != "succeeded":
-        result.stuck.append(f"should have succeeded: {receipt.get('errorSummary')}")
+        result.stuck.append(f"should have succeeded: {scenario.reason_of(result.runs[-1])}")
 
 
 def kills(workshop):
@@ -204,7 +204,7 @@ def mounted_inside(workshop):
     disks.mount(world, place, 100_000)
     world.write(b"logs/theirs.txt", b"on another disk")
     result = run(workshop, world, name, "disk")
-    error = (result.runs[0].receipt or {}).get("errorSummary") or ""
+    error = scenario.reason_of(result.runs[0])
     if "Something is mounted inside it" not in error:
         result.stuck.append(f"not refused: {error}")
     yield finish(result)

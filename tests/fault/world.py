@@ -1,6 +1,7 @@
 """A world for one run: a remote, a project cloned from it, a linked worktree, a second clone, and a private home. Copied
 from a template that is made once in a process, since making it anew would take longer than the cleanup itself."""
 
+import copy
 import os
 import shutil
 import subprocess
@@ -73,6 +74,11 @@ class World:
         self.other = self.base / "other"
         self.project = self.base / "project"
         self.worktree = os.fsencode(self.base / "feature")
+        self.admin = os.fsencode(self.project / ".git" / "worktrees" / "feature")  # the worktree's own Git directory
+        self.places = {self.worktree}   # where it ever lay
+        self.object_format = "sha1"
+        self.extra_environment = {}
+        self.trees = {}                 # what commits hold, which does not change
         self.environment = environment(self.home)
         self.remote = "origin"
         self.stores_at = b"\0"  # where our own files lie in the worktree; nowhere
@@ -80,10 +86,15 @@ class World:
         self.features = []
         self.refusing = False   # something in it stops a cleanup for a good reason
         self.changed_by_hooks = set()  # paths
+        self.waits_before_trying_again = 60  # seconds
+        self.at = None          # seconds since 1970 at which the program's clock stands still
         self.changed_unseen = set()    # paths whose change git itself cannot see
         self.filtered = False   # what git stores is not what the file holds
-        self.options = {"untracked": "yes", "sensitive": "yes", "draft": "no"}
+        self.options = {"untracked": "yes", "sensitive": "yes", "nested": "yes", "draft": "no"}
         self.ahead = 3600       # seconds that the program's clock is ahead, so that nothing counts as just touched
+        self.precious = set()   # beginnings of paths below which somebody works, whatever git thinks of them
+        self.late = []          # what is done when all else is furnished, since it hides the worktree from git
+        self.companions = set()  # other worktrees that are cleaned at the same time
         self.limits = []        # (beginning of a command's line, milliseconds)
         self.undo = []          # what makes an attempt's end checkable, such as giving back what was taken away
         self.mounted = []
@@ -105,6 +116,45 @@ class World:
 
     def here(self, *words, **options):
         return self.git(self.worktree, *words, **options)
+
+    def inside(self, *words):
+        """The same by the worktree's own Git directory, whatever its Git file says by now."""
+        lead = ["--git-dir", os.fsdecode(self.admin), "--work-tree", os.fsdecode(self.worktree)]
+        return self.git(self.worktree, *lead, *words, check=False)
+
+    def move(self, place):
+        """The worktree is somewhere else from now on."""
+        self.worktree = place
+        self.places.add(place)
+
+    def beside(self, name, home=None):
+        """The same world as seen from another worktree of the project, perhaps with a home of its own."""
+        other = copy.copy(self)
+        other.worktree = os.fsencode(self.base / name)
+        other.admin = os.fsencode(self.project / ".git" / "worktrees" / name)
+        other.places = {other.worktree}
+        other.options = dict(self.options)
+        other.stores_at = b"\0"
+        for sort in ("changed_by_hooks", "changed_unseen", "precious", "companions"):
+            setattr(other, sort, set())
+        other.features, other.undo, other.late = [], [], []
+        if home:
+            other.home = self.base / home
+            shutil.copytree(self.home, other.home, symlinks=True, ignore=shutil.ignore_patterns("data", "config"))
+            other.environment = {**self.environment, "HOME": str(other.home), "TMPDIR": str(other.home / "tmp")}
+        return other
+
+    @property
+    def algorithm(self):
+        return "sha256" if self.object_format == "sha256" else "sha1"
+
+    @property
+    def content_of_ignore(self):
+        with open(self.path(b".gitignore"), "rb") as file:
+            return file.read()
+
+    def setting(self, key):
+        return (self.git(self.project, "config", key, check=False) or b"").decode().strip()
 
     def path(self, name):
         return os.path.join(self.worktree, name)
