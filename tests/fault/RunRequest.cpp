@@ -66,8 +66,8 @@ const Setters& setters() {
         {"pause-at", [](Request& to, const Text& text) { to.pausePoints.push_back(text); }},
         {"ahead", [](Request& to,
                      const Text& text) { to.ahead = std::chrono::seconds(numberFrom<std::int64_t>(text)); }},
-        {"at", [](Request& to,
-                  const Text& text) { to.at = std::chrono::seconds(numberFrom<std::int64_t>(text)); }},
+        {"at",
+         [](Request& to, const Text& text) { to.at = std::chrono::seconds(numberFrom<std::int64_t>(text)); }},
     };
     return all;
 }

@@ -40,9 +40,9 @@ struct RunRequest {
     std::int64_t largestVaultFile = 1'000'000;  ///< bytes
 
     // What goes wrong.
-    std::map<std::size_t, std::string> faults;  ///< kind by the number of the command, from 1 on
+    std::map<std::size_t, std::string> faults;        ///< kind by the number of the command, from 1 on
     std::map<std::string, std::string> faultsByLine;  ///< kind by the beginning of the line of the first such
-    std::optional<FilePath> faultScript;        ///< started in place of a faulty command
+    std::optional<FilePath> faultScript;              ///< started in place of a faulty command
     std::chrono::nanoseconds hangLimit{std::chrono::milliseconds(250)};
     std::vector<Limit> limits;  ///< by the beginning of a command's line
 

@@ -43,6 +43,7 @@ class Account:
     remembered: set = field(default_factory=set)   # reachable from nothing but HEAD's own log
     own_references: dict = field(default_factory=dict)  # of this worktree alone
     own_commits: set = field(default_factory=set)  # that these hold, and HEAD does not
+    ignored_folders: set = field(default_factory=set)  # that git lists, each with a slash
     stashes: set = field(default_factory=set)
     is_readable: bool = True                       # git knows HEAD and the index
 
@@ -128,8 +129,9 @@ def take(world):
     index = {}
     for path, identity in staged(world):
         index.setdefault(path, set()).add(identity)
-    ignored = set(split(world.inside("ls-files", "-z", "--others", "--ignored", "--exclude-standard")))
+    ignored = set(split(world.inside("ls-files", "-z", "--others", "--ignored", "--exclude-standard", "--directory")))
     inside = tuple(path for path in ignored if path.endswith(b"/"))
+    account.ignored_folders = set(inside)
     for path, place in walk(world.worktree):
         if path.startswith(world.stores_at):
             continue  # not a person's

@@ -5,11 +5,13 @@ import os
 
 import let_go
 from account import content_of, shas, staged, tree_of, version_at
-from let_go import NAMES, Told, looks_sensitive
+from let_go import Told, looks_sensitive, looks_sensitive_below
 from receipts import compare_receipt, compare_stores, stored_receipt, vault_index
 from whereabouts import Verdict, look_around, open_to_others
 
-__all__ = ["NAMES", "Judgement"]
+
+def is_secret(path):
+    return looks_sensitive(path) if b"/" not in path else looks_sensitive_below(path)
 
 
 class Judgement:
@@ -80,8 +82,8 @@ class Judgement:
             return None
         if self.is_last_moment(entry.since):
             return "last-moment"
-        told = Told(self.ledger.shown_after(entry.since))
-        return let_go.name_of_ignored(item, told, self.world.options)
+        told = Told(self.ledger.shown_after(self.ledger.first_seen[item.path]))
+        return let_go.name_of_ignored(item, told, self.ledger.is_in_reviewed_folder(item.path), self.world.options)
 
     def is_converted(self, item):
         """Whether git holds what its own conversion made of exactly these bytes."""
@@ -114,6 +116,9 @@ class Judgement:
         kept = self.around.remote_commits | self.around.local_commits
         for commit in self.ledger.remembered:
             self.verdict.note("local" if commit in kept else "head-reflog" if self.is_gone else "stays")
+        for commit in self.ledger.own_commits:
+            if self.is_gone and commit not in kept:
+                self.verdict.losses.append(f"commit {commit} of a reference of the worktree alone")
         for _ in self.ledger.own_references:
             self.verdict.note("worktree-references" if self.is_gone else "stays")
         for stash in self.ledger.stashes:
@@ -165,7 +170,7 @@ class Judgement:
         paths = {(path, identity) for path, identity, _ in pushed}
         for entry in self.ledger.pending():
             item = entry.item
-            if item.standing == "ignored" and looks_sensitive(os.path.basename(item.path)) and (item.path, item.identity) in paths:
+            if item.standing == "ignored" and is_secret(item.path) and (item.path, item.identity) in paths:
                 self.complaints.append(f"{item.path!r} is ignored and looks sensitive, and it was pushed")
         for path, mode in open_to_others(self.world):
             self.complaints.append(f"{path!r} has the mode {mode}")

@@ -63,8 +63,7 @@ GOING = {
     "ignored-rebuildable": Going(["edit", "build_output"], shown_as("node_modules", "rebuildable")),
     "ignored-unknown": Going(["edit", "unknown_ignored"], shown_as("scratch", "unknown")),
     "ignored-later": Going(["edit"], told_nothing("late.js"), stops=[attempts.Stop("after git push", deed=add_build_output)]),
-    "secret-nested": Going(["edit", "secret_nested"], shown_as("node_modules", "rebuildable")),
-    "secret-directory": Going(["edit", "secret_directory"], shown_as(".env.d", "sensitive")),
+    "secret-nested": Going(["edit", "secret_nested"], lambda run: "src/deep/inner.key" in run.screen["nested"], {"nested": "no"}),
     "secret-unselected": Going(["edit", "secret"], shown_as(".env", "sensitive"), {"sensitive": "no"}),
     "secret-link": Going(["edit_many", "secret_link_inside"], shown_as("link.key", "sensitive")),
     "staged-version": Going(["half_staged"], counted("Tracked changes")),
@@ -108,4 +107,4 @@ def entries(workshop):
 
 def going_along(name):
     """An entry whose world cannot be made without another one."""
-    return {"secret-nested": {"ignored-rebuildable", "ignored-unknown"}, "secret-link": set()}.get(name, set())
+    return {"secret-nested": {"ignored-rebuildable"}}.get(name, set())

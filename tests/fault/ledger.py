@@ -37,6 +37,8 @@ class Ledger:
     orphaned: dict = field(default_factory=dict)    # commits that a deed left without a reference -> moment
     stashes: dict = field(default_factory=dict)
     heads: set = field(default_factory=set)
+    first_seen: dict = field(default_factory=dict)  # path -> moment
+    folders: dict = field(default_factory=dict)     # that git listed as ignored -> moment
     seen: dict = field(default_factory=dict)        # path -> identities that it ever had
     expected: dict = field(default_factory=dict)    # of the neighbours
     complaints: list = field(default_factory=list)  # what the program did to the neighbours
@@ -121,9 +123,12 @@ class Ledger:
     def add(self, account, moment, by):
         for item in account.files.values():
             self.entries.setdefault(item.version, Entry(item, moment, by))
+            self.first_seen.setdefault(item.path, moment)
             self.seen.setdefault(item.path, set()).add(item.identity)
             if item.kind == "link":
                 self.follow_link(item)
+        for folder in account.ignored_folders:
+            self.folders.setdefault(folder, moment)
         for pair in account.staged:
             self.staged.setdefault(pair, moment)
         for commit in account.commits:
@@ -152,9 +157,9 @@ class Ledger:
         """The screens that could tell of what was there from this moment on."""
         return [screen for screen in self.screens if screen.moment > moment]
 
-    @property
-    def bytes(self):
-        return sum(entry.item.size for entry in self.entries.values())
+    def is_in_reviewed_folder(self, path):
+        last = max((screen.moment for screen in self.screens), default=BEGINNING)
+        return any(path.startswith(folder) and moment < last for folder, moment in self.folders.items())
 
 
 def just_before(moment):

@@ -8,8 +8,11 @@ EXACT = {b".env", b".npmrc", b".pypirc", b".netrc", b"credentials", b"credential
          b".masterkey", b"secrets.json", b"googleservice-info.plist", b"google-services.json"}
 BEGINNINGS = (b".env", b"service-account", b"serviceaccount", b"id_rsa", b"id_ed25519")
 ENDINGS = {b"pem", b"key", b"p12", b"pfx", b"keystore", b"jks", b"mobileprovision", b"provisionprofile", b"cer", b"der"}
-NAMES = {"ignored-rebuildable", "ignored-unknown", "ignored-later", "secret-nested", "secret-directory", "secret-unselected",
-         "secret-link", "staged-version", "head-reflog", "worktree-references", "tracking-reference", "hooks-change",
+REBUILDABLE = {name.encode() for name in (
+    "node_modules .next .nuxt .turbo .parcel-cache .svelte-kit dist build out target .output .cache .gradle DerivedData .build "
+    "Pods __pycache__ .pytest_cache .mypy_cache .ruff_cache .venv venv coverage .nyc_output .angular .vite .eslintcache").split()}
+NAMES = {"ignored-rebuildable", "ignored-unknown", "ignored-later", "secret-nested", "secret-unselected", "secret-link",
+         "staged-version", "head-reflog", "worktree-references", "tracking-reference", "hooks-change",
          "filters", "same-second", "last-moment", "lying-git"}
 
 
@@ -21,13 +24,29 @@ def looks_sensitive(name):
         bool(ending) and name[name.rfind(b".") + 1:] in ENDINGS and name.rfind(b".") > 0
 
 
+def is_within_build_output(path):
+    return any(part in REBUILDABLE or part.lower() in REBUILDABLE for part in path.split(b"/"))
+
+
+def looks_sensitive_below(path):
+    """By its own name or by that of a folder around it; nothing within build output does."""
+    return b"/" in path and not is_within_build_output(path) and any(looks_sensitive(part) for part in path.split(b"/"))
+
+
+def repaired(path):
+    """As the screens show it."""
+    return path.decode(errors="replace")
+
+
 class Told:
     """What the screens of a cleanup said of ignored files."""
 
     def __init__(self, screens):
         self.any = bool(screens)
-        self.kinds = {}     # the top of a path, repaired as the screens repair it -> class
+        self.kinds = {}         # the top of a path -> class
+        self.nested = set()     # paths that look sensitive below the top
         for screen in screens:
+            self.nested |= set(screen.event["nested"])
             for entry in screen.event["ignored"]:
                 kind = entry["class"].lower()
                 lines = screen.event.get({"sensitive": "sensitive", "rebuildable": "rebuildable"}.get(kind), None)
@@ -36,23 +55,22 @@ class Told:
 
     def of(self, path):
         """The class under which the top of this path was listed; None when it was not."""
-        return self.kinds.get(path.split(b"/")[0].decode(errors="replace"))
+        return self.kinds.get(repaired(path.split(b"/")[0]))
 
 
-def name_of_ignored(item, told, options):
+def name_of_ignored(item, told, is_in_reviewed_folder, options):
     """The name under which an ignored file may have gone that is nowhere; None when it must not. `told` is what screens said
-    since it was there."""
+    since a file of this path was there. A folder that git listed as ignored was reviewed with all that comes to it later."""
+    is_below = looks_sensitive_below(item.path)
+    if not told.any:
+        is_expected = is_within_build_output(item.path) or is_in_reviewed_folder and not is_below
+        return "ignored-later" if is_expected else None
     shown = told.of(item.path)
-    is_deep = b"/" in item.path
-    is_secret = looks_sensitive(os.path.basename(item.path))
-    if shown is None:
-        return None if told.any or not is_deep and is_secret else "ignored-later"
+    if is_below or repaired(item.path) in told.nested:
+        is_left = options["nested"] == "no" or item.kind == "link" or item.size > int(options.get("largest", 1_000_000))
+        return "secret-nested" if is_left and repaired(item.path) in told.nested else None
     if shown == "sensitive":
-        if is_deep:
-            return "secret-directory"
         if item.kind == "link":
             return "secret-link"
         return "secret-unselected" if options["sensitive"] == "no" else None
-    if is_secret:
-        return "secret-nested"
-    return "ignored-rebuildable" if shown == "rebuildable" else "ignored-unknown"
+    return {"rebuildable": "ignored-rebuildable", "unknown": "ignored-unknown"}.get(shown)

@@ -33,6 +33,7 @@ PAIRS = [("hide_secret", "show_secret"), ("add_untracked", "ignore_what_is_new")
          ("stash", "unstash"), ("detach_and_commit", "switch_back"), ("switch_to_new", "switch_back"),
          ("detach_and_commit", "make_branch_of_others"), ("commit_and_push", "drop_and_prune"), ("delete_tracked", "stage_all")]
 DETACHED = ["detached", "detached_with_commits", "detached_with_commits_pushed", "detached_at_a_stale_copy"]
+MOST_NAMED = 12  # of the problems of one run
 REFUSAL_MARKS = ("lock", "File exists", "another", "Another", "unable to", "Unable to")
 WHAT_GIT_DOES_NOT_STAGE = ("did not match any files", "outside of your sparse-checkout definition")
 
@@ -57,7 +58,8 @@ class Result:
             receipt = run.receipt or {}
             outcome = receipt.get("outcome") or ("blocked" if run.blocked else None)
             lines.append(f"  deeds {run.deeds}; killed {run.killed}; {outcome}: {reason_of(run)}")
-        return "\n".join(lines + ["  " + problem for problem in self.problems])
+        more = [f"... and {len(self.problems) - MOST_NAMED} more"] if len(self.problems) > MOST_NAMED else []
+        return "\n".join(lines + ["  " + problem for problem in self.problems[:MOST_NAMED] + more])
 
 
 class Workshop:
@@ -123,6 +125,7 @@ def play(workshop, seed):
         names.insert(0, rng.choice(DETACHED))
     world = workshop.world(f"world-{seed}", rng.choices(["sha1", "sha256"], [19, 1])[0])
     world.options.update(untracked=rng.choices(["yes", "no"], [5, 1])[0], sensitive=rng.choices(["yes", "no"], [5, 1])[0],
+                         nested=rng.choices(["yes", "no"], [5, 1])[0],
                          draft=rng.choices(["no", "yes"], [3, 1])[0])
     world.waits_before_trying_again = rng.choice([0, 0, 1, 60])
     if rng.random() < 0.4:

@@ -3,12 +3,14 @@ and missing rights, and each thing that docs/guarantees.md names as going."""
 
 import os
 import random
+import time
 
 import attempt as attempts
 import deeds
 import disks
 import features
 import scenario
+import several
 
 MOST_COMMANDS = 60  # more than the standard cleanup has
 STANDARD = ["edit", "untracked", "secret", "build_output", "commits_ahead", "stashes"]
@@ -83,6 +85,41 @@ def each_deed(workshop, part=0, parts=1):
             title = f"deed-{name}-{step.replace(' ', '-')}"
             stop = attempts.Stop(step, deed=deeds.ALL[name])
             yield run(workshop, standard(workshop, title), title, "deeds", [stop])
+
+
+MOVES = ["commit_nothing", "detach_and_commit", "drop_and_prune", "make_branch_of_others", "amend", "switch_back", "reset_back",
+         "make_branch_ahead", "own_commit_aside"]
+
+
+def each_step_of_detached(workshop):
+    """Somebody steps in at every step while HEAD is on no branch, each time in another way."""
+    for number, step in enumerate(scenario.STEPS):
+        deed = deeds.ALL[MOVES[number % len(MOVES)]]
+        title = f"detached-{number}-{deed.__name__}"
+        names = [scenario.DETACHED[1 + number % 3], *(["edit", "secret"] if number % 4 else ["secret"])]
+        yield run(workshop, standard(workshop, title, names, "no"), title, "deeds", [attempts.Stop(step, deed=deed)])
+
+
+def same_seconds(workshop):
+    """What went wrong is tried again within the second in which it was reviewed."""
+    for names in (["detached_with_commits"], ["commits_ahead"], ["remote_forgets", "detached_with_commits"]):
+        for name in ("commit_nothing", "detach_and_commit", "make_branch_of_others", "drop_and_prune"):
+            for step in ("after git switch", "after git push"):
+                title = f"second-{names[0]}-{name}-{step.replace(' ', '-')}"
+                world = standard(workshop, title, [*names, "edit", "secret"], "no")
+                world.at = int(time.time()) + world.ahead
+                world.waits_before_trying_again = 0
+                yield run(workshop, world, title, "again", [attempts.Stop(step, deed=deeds.ALL[name])])
+
+
+def several_worktrees(workshop):
+    for number, step in enumerate(scenario.STEPS[::4]):
+        for way in several.WAYS:
+            title = f"several-{step.replace(' ', '-')}-{way.replace(' ', '-')}"
+            world = standard(workshop, title, ["edit", "untracked", "secret"], "no")
+            if number % 2:
+                world.at = int(time.time()) + world.ahead
+            yield several.carry_out(workshop, world, title, way, step, random.Random(title))
 
 
 def jumps(workshop):

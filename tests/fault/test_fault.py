@@ -63,6 +63,19 @@ class Deeds(Proof):
         self.assert_good(systematic.each_deed(self.workshop), 80)
 
 
+class Detached(Proof):
+    def test_interference_at_each_step(self):
+        self.assert_good(systematic.each_step_of_detached(self.workshop), 30)
+
+    def test_reviewed_again_within_the_second(self):
+        self.assert_good(systematic.same_seconds(self.workshop), 24)
+
+
+class Several(Proof):
+    def test_worktrees_of_one_repository(self):
+        self.assert_good(systematic.several_worktrees(self.workshop), 20)
+
+
 class Surroundings(Proof):
     def test_clock_that_jumps(self):
         self.assert_good(systematic.jumps(self.workshop), 8)
