@@ -60,7 +60,6 @@ public:
 
     Task<> start();  ///< once, at launch
     Task<> stop();   ///< at the end: cancels what is under way, but a cleanup, and waits until all has ended
-
     void startMonitoring();         ///< the poll, the reconciliation and the watching of file events
     void pauseMonitoring();         ///< stops all three and sizing; the volume is read once more
     void setMonitoring(bool isOn);  ///< as a person does: the choice is stored
