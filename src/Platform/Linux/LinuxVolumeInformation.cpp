@@ -52,8 +52,15 @@ FilePath rootOf(const FilePath& canonical, dev_t device) {
     return root;
 }
 
+/// Absent as well when the table cannot be read: what it tells here is a name, and no reason to do without
+/// the rest.
 std::optional<dev_t> deviceMountedAt(const FilePath& root, const FilePath& mountinfo) {
-    const std::optional<std::string> table = readFile(mountinfo);
+    std::optional<std::string> table;
+    try {
+        table = readFile(mountinfo);
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    }
     if (!table) return std::nullopt;
     const std::optional<FilePath> source = sourceOfMount(*table, root);
     if (!source || !source->isAbsolute()) return std::nullopt;

@@ -17,7 +17,7 @@ namespace cairnfield {
 class LinuxVolumeInformation final : public VolumeInformation {
 public:
     /// `labels` holds a link to the device for each label; `mountinfo` is the kernel's table of mounts.
-    /// Neither needs to exist for facts().
+    /// Neither needs to exist, or to be readable, for facts().
     explicit LinuxVolumeInformation(FilePath labels = FilePath("/dev/disk/by-label"),
                                     FilePath mountinfo = FilePath("/proc/self/mountinfo"))
         : labels_(std::move(labels)), mountinfo_(std::move(mountinfo)) {}

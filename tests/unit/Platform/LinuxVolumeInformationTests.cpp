@@ -119,6 +119,17 @@ TEST(VolumeLabel, IsFoundThroughTheTableOfMounts) {
     EXPECT_EQ(nameWith("9 1 0:5 / /proc rw - btrfs /dev/zero rw\n"), std::nullopt) << "without a label";
 }
 
+TEST(VolumeLabel, IsAllThatIsMissingWithoutAReadableTableOfMounts) {
+    const TemporaryDirectory home;
+    for (const FilePath& table : {home.makeDirectory("a directory"), home / "nothing"}) {
+        const VolumeFacts facts = LinuxVolumeInformation(home.path(), table).facts(FilePath("/proc/self"));
+        EXPECT_EQ(facts.root, FilePath("/proc")) << table.display();
+        EXPECT_EQ(facts.name, std::nullopt) << table.display();
+    }
+    EXPECT_THROW((void)LinuxVolumeInformation(home.path(), home / "a directory").mountPoints(),
+                 std::system_error);
+}
+
 TEST(VolumeLabel, IsDecoded) {
     EXPECT_EQ(decodedLabel("plain"), "plain");
     EXPECT_EQ(decodedLabel("a\\x20b\\x5cc"), "a b\\c");
