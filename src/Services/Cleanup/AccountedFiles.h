@@ -9,6 +9,7 @@
 
 #include "Models/Worktree.h"
 #include "Services/Cleanup/GitIndexFile.h"
+#include "Services/Cleanup/SensitiveNames.h"
 
 #include <optional>
 #include <string>
@@ -19,25 +20,44 @@
 
 namespace cairnfield {
 
+/// What a review showed beside what an inspection holds, and what git says since.
+struct FilesSeen {
+    /// The paths that git reports as untracked by now: it removes no worktree that holds one.
+    std::vector<std::string> untracked;
+    /// Below the top, the ignored files that looked sensitive at the review. Absent before it has looked for
+    /// them: then none counts as having appeared in an ignored directory.
+    std::optional<std::vector<IgnoredEntry>> sensitive;
+};
+
 class AccountedFiles {
 public:
-    /// `untracked` are the paths that git reports as untracked by now: it removes no worktree that holds one.
-    AccountedFiles(const Worktree& reviewed, const std::vector<GitIndexEntry>& index,
-                   const std::vector<std::string>& untracked);
+    /// What is known of all that lies in one directory.
+    struct Place {
+        /// It was part of the review as one ignored directory, with whatever comes to it later but for what
+        /// looks sensitive. Only a directory that git itself listed counts, not the first component of a
+        /// path, by which the review's list of ignored entries goes.
+        bool isCovered = false;
+        SensitiveTrail trail;
+    };
 
-    /// Whether all below that directory was part of the review as one ignored directory, with whatever comes
-    /// to it later. A path goes by its bytes, relative to the worktree. Only a path that git itself listed
-    /// counts, not the first component of one, by which the review's list of ignored entries goes.
-    [[nodiscard]] bool coversDirectory(const std::string& path) const;
+    AccountedFiles(const Worktree& reviewed, const std::vector<GitIndexEntry>& index, const FilesSeen& seen);
 
-    /// Why that file, outside of such directories, must not go; absent when it is accounted for.
-    [[nodiscard]] std::optional<std::string> refusalOf(const std::string& path);
+    /// Of a directory, from that of the one above it. A path goes by its bytes, relative to the worktree.
+    [[nodiscard]] Place placeOf(const std::string& directory, std::string_view name,
+                                const Place& above) const;
+
+    /// Why that file must not go; absent when it is accounted for.
+    [[nodiscard]] std::optional<std::string> refusalOf(const std::string& path, std::string_view name,
+                                                       const Place& place);
 
 private:
     using Paths = std::unordered_set<std::string_view>;
     /// git folds the case of ASCII letters alone.
     using Names = std::unordered_multimap<std::string, std::string_view>;
 
+    [[nodiscard]] bool appearedSensitive(const std::string& path, std::string_view name,
+                                         const Place& place) const;
+    [[nodiscard]] bool holdsTrackedFiles(std::string_view directory) const;
     /// Of the tracked paths. Made when the first file asks for it, which is rare.
     [[nodiscard]] const Names& namesByFoldedCase();
 
@@ -46,6 +66,7 @@ private:
     Paths untracked_;
     Paths reviewedUntracked_;
     Paths ignored_;  ///< at the review; directories end in "/"
+    std::optional<Paths> seenSensitive_;
     std::optional<Names> namesByFoldedCase_;
 };
 

@@ -191,8 +191,10 @@ Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untra
     const ExpectedHead head = run.plan.requiresPreservation()
                                   ? ExpectedHead::preserved(run.commitOnRemote)
                                   : ExpectedHead::reviewed(reviewed);
+    FilesSeen seen{std::move(untracked), std::nullopt};
+    if (run.plan.nested.wereLookedFor()) seen.sensitive = run.plan.nested.seen;
     const std::optional<RemovalRefusal> refusal =
-        co_await look_.atTheEnd({reviewed, head, run.archived, {}, std::move(untracked)});
+        co_await look_.atTheEnd({reviewed, head, run.archived, {}, std::move(seen)});
     if (refusal) throw refusal->asError(reviewed.path);
     const auto look = [&run] {
         return refusalForUnarchived(run.plan.allFilesToArchive(), run.archived, run.plan.worktree.path);

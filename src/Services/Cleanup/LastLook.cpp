@@ -1,6 +1,5 @@
 #include "Services/Cleanup/LastLook.h"
 
-#include "Services/Cleanup/AccountedFiles.h"
 #include "Services/Cleanup/ArchivedCopies.h"
 #include "Services/Cleanup/HeadLook.h"
 #include "Services/Cleanup/HiddenFiles.h"
@@ -114,7 +113,7 @@ Refusal refusalOfTree(const LastLookQuestion& question, const WorktreeGitFiles& 
     const timespec indexModified = whenIndexWasWritten(files);
     Objection objection = objectionToHiddenFiles(reviewed.path, *entries, indexModified);
     if (objection) return objection;
-    AccountedFiles accounted(reviewed, *entries, question.untracked);
+    AccountedFiles accounted(reviewed, *entries, question.seen);
     TreeLookQuestion wholeTree = treeQuestion(reviewed, *entries, indexModified);
     wholeTree.accounted = &accounted;
     const TreeLook tree = lookAtTree(wholeTree);

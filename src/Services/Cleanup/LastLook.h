@@ -11,6 +11,7 @@
 #include "Models/RecoveryVaultEntry.h"
 #include "Models/Worktree.h"
 #include "Platform/Volume.h"
+#include "Services/Cleanup/AccountedFiles.h"
 #include "Services/Cleanup/GitAnswers.h"
 #include "Services/Cleanup/HeadLook.h"
 #include "Services/Cleanup/RemovalRefusal.h"
@@ -25,8 +26,7 @@ struct LastLookQuestion {
     ExpectedHead head;
     std::vector<RecoveryVaultEntry> archived;  ///< copies made for this cleanup
     std::vector<FilePath> mustStay;            ///< of ours: the folder of the vault and the stores
-    /// The paths that git reports as untracked by now. It removes no worktree that holds one.
-    std::vector<std::string> untracked;
+    FilesSeen seen;
 };
 
 /// Why the worktree must not be removed now; absent when nothing speaks against it, provided that no question

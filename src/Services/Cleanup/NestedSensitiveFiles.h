@@ -18,6 +18,9 @@
 namespace cairnfield {
 
 struct NestedSensitiveFiles {
+    /// Whether this comes from a look: every look is told the vault's limit.
+    [[nodiscard]] bool wereLookedFor() const { return maximumFileBytes > 0; }
+
     /// Every one, in the order of the paths. An entry's name is its whole path here; its size is the length
     /// of the file, or of a link itself. Pipes, sockets and devices hold nothing and are left out.
     std::vector<IgnoredEntry> seen;

@@ -28,7 +28,7 @@ Task<GitAnswer> answerOf(GitCommandRunner git, GitQuestion question) {
 Task<std::optional<RemovalRefusal>> RemovalLook::beforehand(Worktree fresh, bool preserves) const {
     LastLookQuestion question;
     question.head = preserves ? ExpectedHead{} : ExpectedHead::reviewed(fresh);
-    question.untracked = fresh.status.untrackedPaths;
+    question.seen.untracked = fresh.status.untrackedPaths;
     question.reviewed = std::move(fresh);
     return look(std::move(question));
 }

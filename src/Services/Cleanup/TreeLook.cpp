@@ -136,14 +136,14 @@ private:
             visitUnusual(folder, name, inside(relative, name), *facts, folderFacts);
             return;
         }
-        lookAtFile(inside(relative, name), *facts);
+        lookAtFile(name, inside(relative, name), *facts);
     }
 
-    void lookAtFile(const std::string& path, const Facts& facts) {
+    void lookAtFile(const char* name, const std::string& path, const Facts& facts) {
         if (changedInTheSecondOfTheIndex(facts)) look_.changedInTheSecondOfTheIndex.insert(path);
         const bool hasContent = S_ISREG(facts.stx_mode) || S_ISLNK(facts.stx_mode);
-        if (question_.accounted && hasContent && !isCovered_ && !look_.unaccounted)
-            look_.unaccounted = question_.accounted->refusalOf(path);
+        if (question_.accounted && hasContent && !look_.unaccounted)
+            look_.unaccounted = question_.accounted->refusalOf(path, name, place_);
     }
 
     [[nodiscard]] bool changedInTheSecondOfTheIndex(const Facts& facts) const {
@@ -162,10 +162,10 @@ private:
             meetRepository({path.substr(0, path.size() - std::string_view("/.git").size()), true}, path);
         if (!isFolder(facts) || look_.objection) return;
         if (question_.submodules.contains(path)) return lookAtSubmodule(folder, name, path);
-        const bool wasCovered = isCovered_;
-        isCovered_ = wasCovered || (question_.accounted && question_.accounted->coversDirectory(path));
+        const AccountedFiles::Place outside = place_;
+        if (question_.accounted) place_ = question_.accounted->placeOf(path, name, outside);
         enter(folder, name, path, facts);
-        isCovered_ = wasCovered;
+        place_ = outside;
     }
 
     void meetRepository(InnerRepository repository, const std::string& mark) {
@@ -203,7 +203,7 @@ private:
     const TreeLookQuestion& question_;
     TreeLook look_;
     Facts root_{};
-    bool isCovered_ = false;  ///< the directory that the walk is in, by the review
+    AccountedFiles::Place place_;  ///< of the directory that the walk is in
 };
 
 }  // namespace

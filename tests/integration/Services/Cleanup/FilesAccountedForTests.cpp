@@ -24,6 +24,8 @@ protected:
     static std::string leftOut(const std::string& path) {
         return path + " was untracked at the review and is in no commit, and Git overlooks it by now.";
     }
+    /// What a review saw below the top that looked sensitive.
+    static inline const std::vector<IgnoredEntry> nothing;
     /// As in a repository that was copied from a disk that does not tell cases apart.
     void ignoreCase() const { project.git({"config", "core.ignoreCase", "true"}); }
     /// The default plan without the untracked files.
@@ -183,6 +185,70 @@ TEST_F(FilesAccountedFor, AreNotBuildOutputInsideOfSomethingSensitive) {
     project.ignore("secrets/");
     feature.write("secrets/build/token");
     EXPECT_EQ(look(reviewed), "secrets/build/token looks sensitive and appeared after the review.");
+}
+
+TEST_F(FilesAccountedFor, AreNotSensitiveOnesThatAppearAmongSourcesInAFolderNamedLikeBuildOutput) {
+    feature.write("build/tool.js");
+    feature.commit("A tool");
+    const Worktree reviewed = review();
+    feature.write("build/.env", "SECRET=1\n");
+    EXPECT_EQ(look(reviewed), "build/.env looks sensitive and appeared after the review.");
+    EXPECT_TRUE(gitWouldRemove());
+}
+
+TEST_F(FilesAccountedFor, AreNotSensitiveOnesThatAppearBelowIgnoredDirectoriesOfTheReview) {
+    feature.write("logs/deep/old.pem", "seen\n");
+    CleanupPlan made = plan();
+    made.nested = lookForNestedSensitiveFiles(made.worktree, 1'000'000, {});
+    ASSERT_EQ(made.nested.seen.size(), 1U);
+    EXPECT_EQ(look(made.worktree, {}, made.nested.seen), "");
+    EXPECT_EQ(look(made.worktree), "") << "before a review has looked";
+    feature.write("logs/deep/new.pem", "mine\n");
+    const CleanupReceipt receipt = execute(made);
+    EXPECT_THAT(receipt.errorSummary.value_or(""),
+                HasSubstr("logs/deep/new.pem looks sensitive and appeared after the review."));
+    EXPECT_EQ(contentOf(feature / "logs/deep/new.pem"), "mine\n");
+    expectIntact(receipt);
+    EXPECT_TRUE(gitWouldRemove());
+}
+
+TEST_F(FilesAccountedFor, AreSensitiveOnesBelowTheTopThatTheReviewShowed) {
+    project.ignore("secrets/");
+    feature.write("logs/deep/old.pem");
+    feature.write("secrets/token");
+    feature.write("packages/api/.env");
+    CleanupPlan made = plan();
+    made.nested = lookForNestedSensitiveFiles(made.worktree, 1'000'000, {});
+    ASSERT_EQ(made.nested.seen.size(), 3U);
+    EXPECT_EQ(execute(made).errorSummary, std::nullopt);
+    EXPECT_FALSE(isThere(feature.path()));
+}
+
+TEST_F(FilesAccountedFor, AreSensitiveOnesThatAppearInBuildOutput) {
+    feature.write("node_modules/package/index.js");
+    feature.write("logs/node_modules/index.js");
+    const Worktree reviewed = review();
+    feature.write("node_modules/package/test/server.pem");
+    feature.write("logs/node_modules/test.key");
+    EXPECT_EQ(look(reviewed, {}, nothing), "");
+}
+
+TEST_F(FilesAccountedFor, AreSensitiveOnesInIgnoredDirectoriesThatAreTrackedByNow) {
+    feature.write("logs/today.log");
+    const Worktree reviewed = review();
+    feature.write("logs/new.pem");
+    EXPECT_EQ(look(reviewed, {}, nothing), "logs/new.pem looks sensitive and appeared after the review.");
+    feature.git({"add", "--force", "logs/new.pem"});
+    EXPECT_EQ(look(reviewed, {}, nothing), "") << "left to git";
+    EXPECT_FALSE(gitWouldRemove());
+}
+
+TEST_F(FilesAccountedFor, HaveContentBelowTheTopToo) {
+    feature.write("logs/today.log");
+    const Worktree reviewed = review();
+    fs::create_directories((feature / "logs/secrets").bytes());
+    ASSERT_EQ(mkfifo((feature / "logs/late.key").c_str(), 0600), 0);
+    EXPECT_EQ(look(reviewed, {}, nothing), "");
 }
 
 TEST_F(FilesAccountedFor, AreNotLinksThatAppear) {

@@ -11,13 +11,14 @@ namespace cairnfield {
 class LastLook : public Cleanup {
 protected:
     /// The refusal's own words, without those of an error; empty when there is none.
-    std::string look(const Worktree& reviewed, const std::vector<FilePath>& ours = {}) {
+    std::string look(const Worktree& reviewed, const std::vector<FilePath>& ours = {},
+                     std::optional<std::vector<IgnoredEntry>> sensitive = std::nullopt) {
         const RemovalLook removalLook(git, services.pool, mounts,
                                       ours.empty() ? support.directory() : ours.front());
-        const std::optional<RemovalRefusal> refusal = waitFor(
-            services.pool,
-            removalLook.atTheEnd(
-                {reviewed, ExpectedHead::reviewed(reviewed), {}, {}, untrackedIn(reviewed)}));
+        FilesSeen seen{untrackedIn(reviewed), std::move(sensitive)};
+        const std::optional<RemovalRefusal> refusal =
+            waitFor(services.pool, removalLook.atTheEnd(
+                                       {reviewed, ExpectedHead::reviewed(reviewed), {}, {}, std::move(seen)}));
         return refusal ? refusal->words : std::string();
     }
     std::string look() { return look(review()); }
