@@ -215,7 +215,7 @@ private:
 std::vector<IgnoredEntry> NestedSensitiveFiles::withinLimit() const {
     std::vector<IgnoredEntry> kept;
     std::ranges::copy_if(seen, std::back_inserter(kept),
-                         [this](const IgnoredEntry& entry) { return entry.sizeBytes <= maximumFileBytes; });
+                         [this](const IgnoredEntry& file) { return isWithinLimit(file); });
     return kept;
 }
 

@@ -29,6 +29,9 @@ struct NestedSensitiveFiles {
     /// What could not be looked through, as a sentence. Then `seen` is not all, and nothing may be removed.
     std::optional<std::string> failure;
 
+    [[nodiscard]] bool isWithinLimit(const IgnoredEntry& file) const {
+        return file.sizeBytes <= maximumFileBytes;
+    }
     /// Of those seen, what the vault takes.
     [[nodiscard]] std::vector<IgnoredEntry> withinLimit() const;
 

@@ -1,5 +1,7 @@
 // What the model proposes for a worktree, and what it says of it before a cleanup.
 
+#include "Services/Cleanup/ReviewLook.h"
+#include "Shared/Concurrency/Cancelled.h"
 #include "support/AppModelStaging.h"
 #include "unit/App/CleanupModel.h"
 
@@ -98,6 +100,37 @@ TEST_F(Preflight, ChangesNothingThatIsShown) {
     EXPECT_EQ(state().activeCleanup.get(), std::nullopt);
     EXPECT_EQ(state().lastReceipt.get(), std::nullopt);
     EXPECT_THAT(state().receipts.get(), IsEmpty());
+}
+
+struct LookForAReview : CleanupModel {
+    [[nodiscard]] ReviewLook look(std::stop_token abandoned = {}) {
+        return app.run(app.model->lookForReview(app.worktreeAt(feature.path()), std::move(abandoned)));
+    }
+};
+
+TEST_F(LookForAReview, FindsWhatTheRecordOfAWorktreeDoesNotHold) {
+    feature.write("packages/api/.env", "API=1\n");
+    feature.setLastTouched(app.wallClock.now() - std::chrono::hours(24));
+    start();
+    const ReviewLook found = look();
+    ASSERT_EQ(found.nested.seen.size(), 1U);
+    EXPECT_EQ(found.nested.seen[0].relativePath, "packages/api/.env");
+    EXPECT_EQ(found.missing, std::nullopt);
+    EXPECT_THAT(plan(feature).nested.seen, IsEmpty()) << "a plan is the settings' proposal alone";
+}
+
+TEST_F(LookForAReview, GoesByTheLimitThatTheVaultHas) {
+    const std::int64_t atTheStart = app.settings.recoveryVaultMaxFileBytes.get();
+    start();
+    app.settings.recoveryVaultMaxFileBytes.set(atTheStart + 1);
+    EXPECT_EQ(look().nested.maximumFileBytes, atTheStart);
+}
+
+TEST_F(LookForAReview, EndsWhenNobodyWaitsForItAnyMore) {
+    start();
+    std::stop_source review;
+    review.request_stop();
+    EXPECT_THROW((void)look(review.get_token()), Cancelled);
 }
 
 }  // namespace

@@ -64,6 +64,21 @@ TEST_F(CleanupChoicesTest, ArchivesEverySensitiveFileOfAnySizeButNoDirectory) {
     EXPECT_THAT(applied(plan, {.includeSensitiveInVault = false}, true).filesToArchive, IsEmpty());
 }
 
+TEST_F(CleanupChoicesTest, ArchivesWhatWasSeenBelowTheTopAsFarAsTheVaultTakesIt) {
+    const IgnoredEntry fits = ignored("a/.env", 100, IgnoredEntryClass::sensitive);
+    const IgnoredEntry tooLarge = ignored("b/.env", 101, IgnoredEntryClass::sensitive);
+    plan.nested = {.seen = {fits, tooLarge}, .maximumFileBytes = 100};
+    const CleanupPlan kept = applied(plan, {.includeSensitiveInVault = false}, true);
+    EXPECT_THAT(kept.nested.seen, ElementsAre(fits, tooLarge));
+    EXPECT_THAT(kept.nested.toArchive, ElementsAre(fits));
+    EXPECT_THAT(kept.filesToArchive, IsEmpty());
+    EXPECT_THAT(kept.allFilesToArchive(), ElementsAre(fits));
+    EXPECT_THAT(applied(kept, {}, true).allFilesToArchive(), ElementsAre(large, small, fits));
+    const CleanupPlan left = applied(kept, {.includeNestedInVault = false}, true);
+    EXPECT_THAT(left.nested.toArchive, IsEmpty());
+    EXPECT_THAT(left.filesToArchive, ElementsAre(large, small)) << "each switch has its own files";
+}
+
 TEST_F(CleanupChoicesTest, OpensAPullRequestOnlyWhenItIsWantedAndSomeoneIsSignedIn) {
     EXPECT_TRUE(applied(plan, {.createPullRequest = true}, true).createPullRequest);
     EXPECT_FALSE(applied(plan, {.createPullRequest = true}, false).createPullRequest);
