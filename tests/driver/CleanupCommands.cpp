@@ -41,15 +41,19 @@ Task<> preflightWorktree(AppModel& model, JsonLines& lines, WorktreeWords words)
     const Worktree worktree = co_await listedWorktree(model, lines, std::move(words));
     const CleanupPlan plan = model.makePlan(worktree);
     const CleanupPreflightReport report = co_await model.preflight(worktree);
-    lines.print("result", {{"plan", jsonOf(plan)}, {"report", jsonOf(report)}});
+    const ReviewLook look = co_await model.lookForReview(worktree, {});
+    lines.print("result", {{"plan", jsonOf(plan)}, {"report", jsonOf(report)}, {"look", jsonOf(look)}});
 }
 
 Task<> cleanWorktree(AppModel& model, JsonLines& lines, CleanWords words, ProgressLines& progress) {
     const Worktree worktree = co_await listedWorktree(model, lines, std::move(words.which));
-    const CleanupPlan plan = model.makePlan(worktree);
+    CleanupPlan plan = model.makePlan(worktree);
+    ReviewLook look = co_await model.lookForReview(worktree, {});
+    plan.nested = std::move(look.nested);
     CleanupChoices choices = CleanupChoices::proposed(plan);
     if (words.noUntracked) choices.includeUntracked = false;
     if (words.noVault) choices.includeSensitiveInVault = false;
+    if (words.noVault || words.noNestedVault) choices.includeNestedInVault = false;
     if (words.pullRequest) choices.createPullRequest = true;
     if (words.message) choices.commitMessage = *words.message;
 

@@ -24,8 +24,9 @@ Task<> preflightWorktree(AppModel& model, JsonLines& lines, WorktreeWords words)
 struct CleanWords {
     WorktreeWords which;
     bool noUntracked = false;
-    bool noVault = false;
-    bool pullRequest = false;  ///< else as the plan proposes
+    bool noVault = false;        ///< nothing at all
+    bool noNestedVault = false;  ///< nothing from below the top of the worktree
+    bool pullRequest = false;    ///< else as the plan proposes
     std::optional<std::string> message;
     std::optional<CleanupStage> pause;
 };

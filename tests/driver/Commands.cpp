@@ -111,6 +111,7 @@ Command cleanCommand(Words words) {
     }
     clean.noUntracked = words.takeOption("--no-untracked");
     clean.noVault = words.takeOption("--no-vault");
+    clean.noNestedVault = words.takeOption("--no-nested-vault");
     clean.pullRequest = words.takeOption("--pull-request");
     clean.which = worktreeWords(words);
     return [clean](const Settle& settle, JsonLines& lines) {
@@ -201,8 +202,9 @@ std::string usage() {
            "  scan PATH [--fresh]\n"
            "  inspect ROOT... [--pin PATH]... [--sizes] [--pull-requests]\n"
            "  preflight WORKTREE --root ROOT...\n"
-           "  clean WORKTREE --root ROOT... [--no-untracked] [--no-vault] [--pull-request] [--message TEXT]\n"
-           "        [--pause STAGE]\n"
+           "  clean WORKTREE --root ROOT... [--no-untracked] [--no-vault] [--no-nested-vault] "
+           "[--pull-request]\n"
+           "        [--message TEXT] [--pause STAGE]\n"
            "  receipts\n"
            "  vault\n"
            "  vault-restore ID DEST\n"

@@ -60,6 +60,14 @@ Json jsonOf(const CleanupPlan& plan) {
     return json;
 }
 
+Json jsonOf(const ReviewLook& look) {
+    Json json{{"nestedSensitiveFiles", look.nested.seen}};
+    detail::writeOptional(json, "failure", look.nested.failure);
+    if (look.missing)
+        json["missingFiles"] = {{"missing", look.missing->missing}, {"tracked", look.missing->tracked}};
+    return json;
+}
+
 Json jsonOf(const CleanupPreflightReport& report) {
     Json json{{"passed", report.passed},
               {"failures", detail::jsonFromTexts(report.failures)},

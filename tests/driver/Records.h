@@ -6,6 +6,7 @@
 #include "Models/Worktree.h"
 #include "Services/Cleanup/CleanupPlan.h"
 #include "Services/Cleanup/PreflightJudgement.h"
+#include "Services/Cleanup/ReviewLook.h"
 #include "Services/GitHub/GitHubServicing.h"
 
 #include <vector>
@@ -19,7 +20,9 @@ namespace cairnfield {
 [[nodiscard]] Json jsonOf(const ProjectUsage& project);
 [[nodiscard]] Json jsonOf(const GitHubIntegrationStatus& status);
 
+/// Without what was seen below the top, which is the look's.
 [[nodiscard]] Json jsonOf(const CleanupPlan& plan);
+[[nodiscard]] Json jsonOf(const ReviewLook& look);
 [[nodiscard]] Json jsonOf(const CleanupPreflightReport& report);
 [[nodiscard]] Json jsonOf(const CleanupProgress& progress);
 

@@ -41,6 +41,13 @@ class CleanupCase(DriverCase):
         self.settle(path)
         return path
 
+    def write_secrets_below_the_top(self, worktree):
+        for name, content in (("src/api/.env.local", "API=1\n"), ("src/web/prod.key", "secret\n"),
+                              ("node_modules/pkg/test.key", "published\n")):
+            (worktree / name).parent.mkdir(parents=True, exist_ok=True)
+            (worktree / name).write_text(content)
+        self.settle(worktree)
+
     def preflight(self, worktree, *words, **options):
         return self.drive(*words, "preflight", str(worktree), "--root", str(self.root), **options)
 
@@ -68,6 +75,13 @@ class CleanupCase(DriverCase):
         if os.geteuid() != 0 or subprocess.run(hidden, capture_output=True).returncode != 0:
             self.skipTest("no program may be hidden here")
         return self.drive(*words, before=["unshare", "--mount", "sh", "-c", 'mount --bind /dev/null "$0" && exec "$@"', path])
+
+    def with_something_mounted_on(self, folder, *words):
+        """The driver's answer while the folder is another file system."""
+        mounted = ["unshare", "--mount", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', str(folder)]
+        if os.geteuid() != 0 or subprocess.run([*mounted, "true"], capture_output=True).returncode != 0:
+            self.skipTest("nothing may be mounted here")
+        return self.drive(*words, before=mounted)
 
     def stop_at(self, worktree, stage, *words):
         """A cleanup that stands still before the work of the stage, and the stages that it has told."""

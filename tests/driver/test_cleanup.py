@@ -89,6 +89,18 @@ class Preflight(CleanupCase):
         self.drive("--set", "preserveSmallLocalFiles=true", "folders")
         self.assertEqual([entry["name"] for entry in self.preflight(topic).result["plan"]["filesToArchive"]], [".env"])
 
+    def test_the_look_inside_tells_what_the_record_of_a_worktree_does_not(self):
+        topic = self.topic()
+        self.write_secrets_below_the_top(topic)
+        look = self.preflight(topic).result["look"]
+        self.assertEqual([(entry["relativePath"], entry["sizeBytes"]) for entry in look["nestedSensitiveFiles"]],
+                         [("src/api/.env.local", 6), ("src/web/prod.key", 7)])
+        self.assertEqual(set(look), {"nestedSensitiveFiles"})
+        for name in ("file", "new", ".gitignore"):
+            (topic / name).unlink()
+        self.settle(topic)
+        self.assertEqual(self.preflight(topic).result["look"]["missingFiles"], {"missing": 2, "tracked": 2})
+
     def test_what_is_blocked_says_why(self):
         locked = self.topic()
         self.git(self.project, "worktree", "lock", str(locked))
@@ -169,6 +181,41 @@ class Clean(CleanupCase):
         receipt = self.clean(self.topic(), "--no-vault").result["receipt"]
         self.assertEqual((receipt["outcome"], receipt["recoveryVaultPaths"]), ("succeeded", []))
         self.assertEqual(self.vault(), [])
+
+    def test_secrets_below_the_top_go_to_the_vault_unless_they_are_not_wanted(self):
+        for words, kept in (([], {".env", "src/api/.env.local", "src/web/prod.key"}), (["--no-nested-vault"], {".env"}),
+                            (["--no-vault"], set())):
+            with self.subTest(words=words):
+                for entry in self.vault():
+                    self.drive("vault-remove", entry["id"])
+                topic = self.topic("topic" + "".join(words))
+                self.write_secrets_below_the_top(topic)
+                answer = self.clean(topic, *words)
+                self.assertEqual(answer.result["receipt"]["outcome"], "succeeded", answer.result)
+                self.assertEqual({entry["relativePath"] for entry in self.vault()}, kept)
+                details = [line.get("detail") for line in answer.lines if line.get("stage") == "archivingLocalFiles"]
+                self.assertEqual(details, [f"{len(kept)} file(s)"] if kept else [])
+                self.wait_for_the_next_second()
+
+    def test_a_secret_below_the_top_that_the_vault_does_not_take_stops_nothing(self):
+        topic = self.worktree(self.project, "topic")
+        self.write_secrets_below_the_top(topic)
+        answer = self.drive("--set", "recoveryVaultMaxFileBytes=6", "clean", str(topic), "--root", str(self.root))
+        self.assertEqual(answer.result["receipt"]["outcome"], "succeeded", answer.result)
+        self.assertEqual([entry["relativePath"] for entry in self.vault()], ["src/api/.env.local"])
+
+    def test_nothing_begins_while_it_is_not_known_what_looks_sensitive(self):
+        topic = self.topic()
+        (topic / "scratch.key" / "inner").mkdir(parents=True)
+        (topic / "scratch.key" / "outer").write_text("kept\n")
+        self.settle(topic)
+        answer = self.with_something_mounted_on(topic / "scratch.key" / "inner", "clean", str(topic), "--root", str(self.root))
+        receipt = answer.result["receipt"]
+        self.assertEqual(receipt["outcome"], "failed")
+        self.assertEqual(receipt["errorSummary"], "scratch.key/inner could not be looked through for files that look "
+                                                  "sensitive: Something is mounted there.")
+        self.assertEqual((topic / "new").read_text(), "new\n")
+        self.assertEqual(self.remote_branches(), ["main"])
 
     def test_a_secret_of_any_size_goes_to_the_vault_or_nothing_goes(self):
         topic = self.topic()

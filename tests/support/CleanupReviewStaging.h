@@ -8,9 +8,9 @@ namespace cairnfield {
 
 class CleanupReviewStaging {
 public:
-    /// As if the preflight of the review that is open had just answered.
-    static void answer(CleanupReviewViewModel& review, CleanupPreflightReport report) {
-        review.preflightEnded(std::move(report));
+    /// As if the preflight of the review that is open and the look inside had just answered.
+    static void answer(CleanupReviewViewModel& review, CleanupPreflightReport report, ReviewLook look = {}) {
+        review.preflightEnded(std::move(report), std::move(look));
     }
     /// As if the cleanup had been started and were in this stage.
     static void run(CleanupReviewViewModel& review, CleanupStage stage) {

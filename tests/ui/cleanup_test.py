@@ -179,7 +179,8 @@ class Cleanup(CodeFolderTestCase):
             app.wait(lambda: (app.focused() or app.frame).name not in seen[-1:], "the next control")
             seen.append(app.focused().name)
             self.assertLess(len(seen), 10, seen)
-        self.assertEqual(seen, ["Include untracked files", "Open a draft pull request", "Commit message", "Cancel", TITLE])
+        self.assertEqual(seen, ["1 changed file", "1 untracked file", "Include untracked files", "Open a draft pull request",
+                                "Commit message", "Cancel", TITLE])
         app.key("Return")
         app.find("Cleaned", below=self.sheet(app))
         app.key("Return")
@@ -209,6 +210,54 @@ class Cleanup(CodeFolderTestCase):
         self.press(app, TITLE)
         self.sheet_says(app, "Cleaned", "Recovery Vault: 1 file(s)")
         self.assertEqual(self.recovery_branches(), [])
+
+    # What it lists.
+
+    def test_offers_to_keep_what_looks_sensitive_below_the_top(self):
+        self.write(self.feature, "src/api/.env", "secret\n")
+        self.write(self.feature, "node_modules/pkg/.env", "published\n")
+        app = self.open_review()
+        self.sheet_says(app, "1 ignored file in a folder looks sensitive.", "• src/api/.env · 7 bytes")
+        toggle = app.find("Copy these to the Recovery Vault too", role="check box", below=self.sheet(app))
+        self.assertTrue(app.has_state(toggle, "checked"))
+        goes = "Not copied to the Recovery Vault, so this file goes with the worktree:"
+        self.assertIsNone(app.find_now(goes, below=self.sheet(app)))
+        self.turn(app, "Copy these to the Recovery Vault too")
+        self.sheet_says(app, goes)
+        app.find("• src/api/.env · 7 bytes", role="list item", below=app.find(goes, role="list", below=self.sheet(app)))
+        app.picture("not-copied-to-the-vault")
+        self.turn(app, "Copy these to the Recovery Vault too")
+        app.wait_gone(goes)
+        self.press(app, TITLE)
+        self.sheet_says(app, "Cleaned", "Recovery Vault: 1 file(s)")
+        with open(self.data("recovery-vault.json"), encoding="utf-8") as file:
+            [entry] = json.load(file)
+        self.assertEqual(entry["relativePath"], "src/api/.env")
+        self.assertNotIn("qrc:", app.log_text())
+
+    def test_lists_every_file_for_whoever_unfolds_the_lists(self):
+        self.change()
+        self.write(self.feature, ".env", "secret\n")
+        self.write(self.feature, "node_modules/big.js", "x")
+        app = self.open_review()
+        for head, row in (("1 changed file", "kept.txt"), ("1 untracked file", "new.txt"),
+                          ("2 ignored files and folders", lambda name: name.startswith("node_modules · ")
+                           and name.endswith(" · Rebuildable"))):
+            button = app.find(head, role="push button", below=self.sheet(app))
+            self.assertEqual(button.description, "Folded")
+            self.assertIsNone(app.find_now(head, role="list", below=self.sheet(app)))
+            app.press(button)
+            app.find(row, role="list item", below=app.find(head, role="list", below=self.sheet(app)))
+            app.wait(lambda head=head: app.find(head, role="push button").description == "Unfolded", "the head to say so")
+        app.find(lambda name: name.startswith(".env · ") and name.endswith(" · Sensitive"), role="list item",
+                 below=self.sheet(app))
+        app.picture("files-unfolded")
+        button = app.find("1 changed file", role="push button", below=self.sheet(app))
+        button.queryComponent().grabFocus()
+        app.wait(lambda: app.has_state(app.find("1 changed file", role="push button"), "focused"), "the head to have the keyboard")
+        app.key("space")
+        app.wait_gone("1 changed file", role="list")
+        self.assertNotIn("qrc:", app.log_text())
 
     # The ways in which it stops.
 

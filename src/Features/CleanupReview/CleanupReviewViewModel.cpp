@@ -1,5 +1,6 @@
 #include "Features/CleanupReview/CleanupReviewViewModel.h"
 
+#include "Features/CleanupReview/ReviewListText.h"
 #include "Features/Presentation/QtText.h"
 
 #include <array>
@@ -17,6 +18,10 @@ QStringList shownLines(const std::vector<std::string>& lines) {
     return list;
 }
 
+QVariantMap shownFiles(const NamedFilesText& files) {
+    return {{"statement", shown(files.statement)}, {"lines", shownLines(files.lines)}};
+}
+
 }  // namespace
 
 CleanupReviewViewModel::CleanupReviewViewModel(AppModel& model, Pasteboard& pasteboard, QObject* parent)
@@ -26,41 +31,74 @@ CleanupReviewViewModel::CleanupReviewViewModel(AppModel& model, Pasteboard& past
     subscriptions_.push_back(state.githubStatus.observe([this] { emit signedInChanged(); }));
 }
 
+CleanupReviewViewModel::~CleanupReviewViewModel() {
+    abandoning_.request_stop();
+}
+
 void CleanupReviewViewModel::open(Worktree worktree) {
     if (!canClose()) return;
     ++opening_;
+    abandoning_.request_stop();
+    abandoning_ = std::stop_source();
     worktree_ = std::move(worktree);
     phase_ = Phase::checking;
     plan_ = model_.makePlan(*worktree_);
     report_.reset();
     receipt_.reset();
     choices_ = CleanupChoices::proposed(*plan_);
+    showLists();
     emit choicesChanged();
     emit phaseChanged();
-    model_.run(runPreflight(model_, *worktree_, this, opening_));
+    emit nestedThatGoChanged();
+    model_.run(runPreflight(model_, *worktree_, this, opening_, abandoning_.get_token()));
 }
 
 void CleanupReviewViewModel::close() {
     if (!isOpen() || !canClose()) return;
     ++opening_;
+    abandoning_.request_stop();
     worktree_.reset();
     plan_.reset();
     report_.reset();
     receipt_.reset();
+    showLists();
     emit phaseChanged();
+    emit nestedThatGoChanged();
 }
 
-// The person may have closed the sheet or even ended the program while it looked.
+void CleanupReviewViewModel::showLists() {
+    const Worktree shown = worktree_.value_or(Worktree());
+    std::vector<std::string> ignored;
+    ignored.reserve(shown.ignoredEntries.size());
+    for (const IgnoredEntry& entry : shown.ignoredEntries) ignored.push_back(ignoredEntryLine(entry));
+    changed_.show(changedFilesTitle(shown.status.changedPaths.size()), shown.status.changedPaths);
+    untracked_.show(untrackedFilesTitle(shown.status.untrackedPaths.size()), shown.status.untrackedPaths);
+    ignored_.show(ignoredEntriesTitle(ignored.size()), std::move(ignored));
+}
+
+// The person may have closed the sheet or even ended the program while it looked. The sheet shows nothing to
+// start before both have answered: what it does not know of, it cannot offer to keep.
 Task<> CleanupReviewViewModel::runPreflight(AppModel& model, Worktree worktree,
-                                            QPointer<CleanupReviewViewModel> sheet, std::uint64_t opening) {
-    CleanupPreflightReport report = co_await model.preflight(std::move(worktree));
-    if (sheet && sheet->opening_ == opening) sheet->preflightEnded(std::move(report));
+                                            QPointer<CleanupReviewViewModel> sheet, std::uint64_t opening,
+                                            std::stop_token abandoned) {
+    CleanupPreflightReport report = co_await model.preflight(worktree);
+    ReviewLook look;
+    if (report.passed) {
+        ReviewLook found = co_await model.lookForReview(std::move(worktree), std::move(abandoned));
+        look = std::move(found);
+    }
+    if (sheet && sheet->opening_ == opening) sheet->preflightEnded(std::move(report), std::move(look));
 }
 
-void CleanupReviewViewModel::preflightEnded(CleanupPreflightReport report) {
+void CleanupReviewViewModel::preflightEnded(CleanupPreflightReport report, ReviewLook look) {
+    if (report.passed && look.nested.failure) report = CleanupPreflightReport::failed(*look.nested.failure);
+    if (look.missing && look.missing->areMost())
+        report.warnings.insert(report.warnings.begin(), missingFilesText(*look.missing));
     phase_ = report.passed ? Phase::review : Phase::blocked;
     report_ = std::move(report);
+    if (plan_) plan_->nested = std::move(look.nested);
     emit phaseChanged();
+    emit nestedThatGoChanged();
 }
 
 void CleanupReviewViewModel::start() {
@@ -134,6 +172,15 @@ QStringList CleanupReviewViewModel::rebuildableLines() const {
     return worktree_ ? shownLines(cairnfield::rebuildableLines(*worktree_)) : QStringList();
 }
 
+QVariantMap CleanupReviewViewModel::nested() const {
+    return shownFiles(plan_ ? nestedFilesText(plan_->nested) : NamedFilesText());
+}
+
+QVariantMap CleanupReviewViewModel::nestedThatGo() const {
+    if (!plan_) return shownFiles({});
+    return shownFiles(nestedFilesThatGoText(plan_->nested, choices_.includeNestedInVault));
+}
+
 QVariantMap CleanupReviewViewModel::outcome() const {
     ReceiptText text;
     if (isOpen() && phase_ == Phase::finished)
@@ -163,6 +210,12 @@ void CleanupReviewViewModel::setIncludeSensitiveInVault(bool isOn) {
     choose(choices);
 }
 
+void CleanupReviewViewModel::setIncludeNestedInVault(bool isOn) {
+    CleanupChoices choices = choices_;
+    choices.includeNestedInVault = isOn;
+    choose(choices);
+}
+
 void CleanupReviewViewModel::setCreatePullRequest(bool isOn) {
     CleanupChoices choices = choices_;
     choices.createPullRequest = isOn;
@@ -177,8 +230,10 @@ void CleanupReviewViewModel::setCommitMessage(const QString& text) {
 
 void CleanupReviewViewModel::choose(const CleanupChoices& choices) {
     if (choices == choices_) return;
+    const bool nestedChanges = choices.includeNestedInVault != choices_.includeNestedInVault;
     choices_ = choices;
     emit choicesChanged();
+    if (nestedChanges) emit nestedThatGoChanged();
 }
 
 }  // namespace cairnfield

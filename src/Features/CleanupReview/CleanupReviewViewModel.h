@@ -7,8 +7,10 @@
 #include "App/AppModel.h"
 #include "Features/CleanupReview/CleanupReviewText.h"
 #include "Features/CleanupReview/CleanupStageModel.h"
+#include "Features/CleanupReview/ReviewListModel.h"
 #include "Platform/Pasteboard.h"
 #include "Services/Cleanup/CleanupChoices.h"
+#include "Services/Cleanup/ReviewLook.h"
 
 #include <QObject>
 #include <QPointer>
@@ -18,6 +20,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace cairnfield {
@@ -38,23 +41,29 @@ class CleanupReviewViewModel final : public QObject {
     Q_PROPERTY(QStringList sensitiveLines READ sensitiveLines NOTIFY phaseChanged)
     Q_PROPERTY(QString worktreePath READ worktreePath NOTIFY phaseChanged)
     Q_PROPERTY(QStringList rebuildableLines READ rebuildableLines NOTIFY phaseChanged)
+    Q_PROPERTY(QVariantMap nested READ nested NOTIFY phaseChanged)
+    Q_PROPERTY(QVariantMap nestedThatGo READ nestedThatGo NOTIFY nestedThatGoChanged)
     Q_PROPERTY(QVariantMap outcome READ outcome NOTIFY phaseChanged)
     Q_PROPERTY(bool canCopySummary READ canCopySummary NOTIFY phaseChanged)
     Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY signedInChanged)
     Q_PROPERTY(bool includeUntracked READ includeUntracked WRITE setIncludeUntracked NOTIFY choicesChanged)
     Q_PROPERTY(bool includeSensitiveInVault READ includeSensitiveInVault WRITE setIncludeSensitiveInVault
                    NOTIFY choicesChanged)
+    Q_PROPERTY(bool includeNestedInVault READ includeNestedInVault WRITE setIncludeNestedInVault NOTIFY
+                   choicesChanged)
     Q_PROPERTY(bool createPullRequest READ createPullRequest WRITE setCreatePullRequest NOTIFY choicesChanged)
     Q_PROPERTY(QString commitMessage READ commitMessage WRITE setCommitMessage NOTIFY choicesChanged)
     Q_PROPERTY(cairnfield::CleanupStageModel* stages READ stages CONSTANT)
+    Q_PROPERTY(QList<QObject*> lists READ lists CONSTANT)
 
 public:
     enum class Phase { checking, review, blocked, running, finished };
 
     /// Both outlive the view model.
     CleanupReviewViewModel(AppModel& model, Pasteboard& pasteboard, QObject* parent = nullptr);
+    ~CleanupReviewViewModel() override;
 
-    /// Begins the review of a worktree: a new plan and a new preflight. Refused while a cleanup runs.
+    /// Begins the review of a worktree: plan, preflight and a look inside. Refused while a cleanup runs.
     void open(Worktree worktree);
     /// Refused while a cleanup runs.
     Q_INVOKABLE void close();
@@ -81,6 +90,9 @@ public:
     [[nodiscard]] QStringList sensitiveLines() const;
     [[nodiscard]] QString worktreePath() const;
     [[nodiscard]] QStringList rebuildableLines() const;
+    /// {statement, lines} of what looks sensitive below the top, and of what of it disappears; empty or full.
+    [[nodiscard]] QVariantMap nested() const;
+    [[nodiscard]] QVariantMap nestedThatGo() const;
     /// {title, symbolName, tint, failure, note, whereabouts of {label, value}}; texts may be empty.
     [[nodiscard]] QVariantMap outcome() const;
     [[nodiscard]] bool canCopySummary() const { return receipt_.has_value(); }
@@ -89,26 +101,32 @@ public:
     void setIncludeUntracked(bool isOn);
     [[nodiscard]] bool includeSensitiveInVault() const { return choices_.includeSensitiveInVault; }
     void setIncludeSensitiveInVault(bool isOn);
+    [[nodiscard]] bool includeNestedInVault() const { return choices_.includeNestedInVault; }
+    void setIncludeNestedInVault(bool isOn);
     /// As the control shows it. A pull request is only made for who is signed in.
     [[nodiscard]] bool createPullRequest() const { return choices_.createPullRequest; }
     void setCreatePullRequest(bool isOn);
     [[nodiscard]] QString commitMessage() const;
     void setCommitMessage(const QString& text);
     [[nodiscard]] CleanupStageModel* stages() { return &stages_; }
+    /// Every path that the review knows of: the changed, the untracked and the ignored ones.
+    [[nodiscard]] QList<QObject*> lists() { return {&changed_, &untracked_, &ignored_}; }
 
 signals:
     void phaseChanged();
     void choicesChanged();
+    void nestedThatGoChanged();
     void signedInChanged();
 
 private:
     friend class CleanupReviewStaging;  // pictures set the phase that they show
 
     static Task<> runPreflight(AppModel& model, Worktree worktree, QPointer<CleanupReviewViewModel> sheet,
-                               std::uint64_t opening);
+                               std::uint64_t opening, std::stop_token abandoned);
     static Task<> runCleanup(AppModel& model, CleanupPlan plan, QPointer<CleanupReviewViewModel> sheet);
     void choose(const CleanupChoices& choices);
-    void preflightEnded(CleanupPreflightReport report);
+    void showLists();
+    void preflightEnded(CleanupPreflightReport report, ReviewLook look = {});
     void cleanupEnded(std::optional<CleanupReceipt> receipt);
     void followCleanup();
 
@@ -117,11 +135,15 @@ private:
     std::uint64_t opening_ = 0;  ///< of the review that an answer may change
     std::optional<Worktree> worktree_;
     Phase phase_ = Phase::checking;
+    std::stop_source abandoning_;  ///< of the look that is under way
     std::optional<CleanupPlan> plan_;
     std::optional<CleanupPreflightReport> report_;
     CleanupChoices choices_;
     std::optional<CleanupReceipt> receipt_;
     CleanupStageModel stages_;
+    ReviewListModel changed_;
+    ReviewListModel untracked_;
+    ReviewListModel ignored_;
     std::vector<Subscription> subscriptions_;
 };
 

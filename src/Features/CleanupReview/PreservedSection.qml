@@ -62,32 +62,9 @@ ReviewSection {
             onTextEdited: section.viewModel.commitMessage = text
         }
     }
-    ColumnLayout {
+    VaultSection {
         Layout.fillWidth: true
         Layout.topMargin: Theme.spaceSmall
-        spacing: Theme.spaceTiny
-        visible: section.viewModel.sensitiveLines.length > 0
-
-        InfoText {
-            Layout.fillWidth: true
-            text: qsTr("Ignored files that look sensitive are never pushed.")
-            color: Theme.textSecondary
-        }
-        ToggleRow {
-            label: qsTr("Copy them to the Recovery Vault instead")
-            isOn: section.viewModel.includeSensitiveInVault
-            onTurned: isOn => section.viewModel.includeSensitiveInVault = isOn
-        }
-        Repeater {
-            model: section.viewModel.sensitiveLines
-            delegate: InfoText {
-                required property string modelData
-
-                Layout.fillWidth: true
-                text: modelData
-                color: Theme.textSecondary
-                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-            }
-        }
+        viewModel: section.viewModel
     }
 }

@@ -8,6 +8,7 @@ ColumnLayout {
     id: review
 
     required property CleanupReviewViewModel viewModel
+    readonly property var going: viewModel.nestedThatGo
 
     spacing: Theme.spaceLarge
 
@@ -40,6 +41,21 @@ ColumnLayout {
                 Layout.fillWidth: true
                 label: modelData.label
                 value: modelData.value
+            }
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: -Theme.spaceTiny
+            spacing: Theme.spaceTiny
+
+            Repeater {
+                model: review.viewModel.lists
+                delegate: FoldedList {
+                    required property ReviewListModel modelData
+
+                    Layout.fillWidth: true
+                    list: modelData
+                }
             }
         }
     }
@@ -76,6 +92,21 @@ ColumnLayout {
                     wrapMode: Text.WrapAtWordBoundaryOrAnywhere
                 }
             }
+        }
+        SymbolLabel {
+            Layout.fillWidth: true
+            text: review.going.statement
+            symbolName: "exclamationmark.triangle"
+            tint: Theme.orange
+            visible: text !== ""
+        }
+        LineList {
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.iconSize + Theme.spaceSmall
+            title: review.going.statement
+            model: review.going.lines
+            ink: Theme.textSecondary
+            visible: title !== ""
         }
     }
 }

@@ -12,6 +12,7 @@ namespace {
 
 constexpr QSize smallest{760, 520};
 constexpr QSize tall{1080, 1000};
+constexpr QSize taller{1080, 1200};
 
 using Then = std::function<void(CleanupReviewViewModel&)>;
 
@@ -43,6 +44,32 @@ CleanupPreflightReport passed(int warnings = 0) {
         report.warnings.push_back("Submodule “vendor/charts-" + std::to_string(number) +
                                   "” has changes that are not pushed.");
     return report;
+}
+
+// Secrets in the packages of a large project, of which one is larger than what the vault takes.
+ReviewLook secretsBelowTheTop(int count) {
+    ReviewLook look;
+    look.nested.maximumFileBytes = 10'000'000;
+    for (int number = 0; number < count; ++number) {
+        const std::string path = "packages/tariffs-" + std::to_string(number) + "/config/.env.local";
+        look.nested.seen.push_back({.name = path, .relativePath = path, .sizeBytes = 412});
+    }
+    const std::string large = "infra/certificates/" + std::string(60, 'c') + "/harbour-authority.p12";
+    look.nested.seen.push_back({.name = large, .relativePath = large, .sizeBytes = 48'000'000});
+    return look;
+}
+
+Worktree withManyFiles() {
+    Worktree worktree = sample("tariff-tables");
+    for (int number = 0; number < 5'000; ++number)
+        worktree.status.changedPaths.push_back("src/tariffs/zone-" + std::to_string(number) + "/table.ts");
+    for (int number = 0; number < 4; ++number)
+        worktree.status.untrackedPaths.push_back("docs/notes-" + std::to_string(number) + ".md");
+    worktree.ignoredEntries.push_back({.name = "captures",
+                                       .isDirectory = true,
+                                       .sizeBytes = 1'240'000'000,
+                                       .classification = IgnoredEntryClass::unknown});
+    return worktree;
 }
 
 CleanupReceipt cleaned() {
@@ -111,9 +138,24 @@ Scene scene(std::string name, Worktree worktree, Then then, QSize size = {1080, 
     return {.name = "review-" + std::move(name), .set = set, .size = size};
 }
 
-Then answering(CleanupPreflightReport report) {
+Then answering(CleanupPreflightReport report, ReviewLook look = {}) {
+    return [report = std::move(report), look = std::move(look)](CleanupReviewViewModel& review) {
+        CleanupReviewStaging::answer(review, report, look);
+    };
+}
+
+Then unfolding(CleanupPreflightReport report) {
     return [report = std::move(report)](CleanupReviewViewModel& review) {
         CleanupReviewStaging::answer(review, report);
+        for (QObject* list : review.lists()) qobject_cast<ReviewListModel*>(list)->setUnfolded(true);
+    };
+}
+
+/// With the vault switched off for what lies below the top.
+Then keepingNothingBelowTheTop(CleanupPreflightReport report, ReviewLook look) {
+    return [report = std::move(report), look = std::move(look)](CleanupReviewViewModel& review) {
+        CleanupReviewStaging::answer(review, report, look);
+        review.setIncludeNestedInVault(false);
     };
 }
 
@@ -142,6 +184,15 @@ std::vector<Scene> reviewScenes() {
         scene("nothing-to-preserve", sample("harbour-map"), answering(passed())),
         scene("full", full(), answering(passed(2)), QSize(1080, 2200)),
         scene("warnings", work, answering(passed(40))),
+        scene("nested-secrets", work, answering(passed(), secretsBelowTheTop(2)), taller),
+        scene("nested-secrets-many", sample("harbour-map"), answering(passed(), secretsBelowTheTop(240)),
+              tall),
+        scene("nested-secrets-left", work, keepingNothingBelowTheTop(passed(), secretsBelowTheTop(2)),
+              taller),
+        scene("nested-secrets-smallest", work, answering(passed(), secretsBelowTheTop(2)), smallest),
+        scene("mostly-missing", work, answering(passed(1), {.missing = MissingFiles{418, 430}})),
+        scene("files", withManyFiles(), answering(passed())),
+        scene("files-unfolded", withManyFiles(), unfolding(passed()), tall),
         scene("running", work, runningIn(CleanupStage::pushing)),
         scene("cleaned", work, endingWith(cleaned())),
         scene("failed", work, endingWith(refused())),
