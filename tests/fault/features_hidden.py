@@ -56,13 +56,11 @@ def secret_that_is_a_pipe(w, rng):
 @feature()
 def secret_link_to_nowhere(w, rng):
     os.symlink(b"../nowhere/at-all", w.path(b"dangling.key"))
-    w.refusing = True
 
 
 @feature()
 def secret_link_to_folder(w, rng):
     os.symlink(rng.choice([b"src", b"../project"]), w.path(b"folder.key"))
-    w.refusing = True
 
 
 @feature()
@@ -71,7 +69,7 @@ def secret_with_holes(w, rng):
     os.truncate(w.path(b"sparse.key"), rng.choice([4096, 300_000]))
 
 
-@feature(refusing=True)
+@feature()
 def tracked_in_ignored_folder(w, rng):
     """Committed build output that was edited: `git add` takes it and complains."""
     w.write(b"build/committed.js", b"as committed\n")
@@ -81,19 +79,19 @@ def tracked_in_ignored_folder(w, rng):
     w.write(b"build/more.js", some_bytes(rng))
 
 
-@feature(refusing=True)
+@feature()
 def forgotten_and_ignored(w, rng):
     """No more tracked, and ignored from now on."""
     w.write(b".gitignore", b"src/b.txt\n" + w.content_of_ignore)
     w.here("rm", "--quiet", "--cached", "src/b.txt")
 
 
-@feature(refusing=True)
+@feature()
 def removed_folder_staged(w, rng):
     w.here("rm", "--quiet", "-r", "src")
 
 
-@feature(refusing=True)
+@feature()
 def most_files_missing(w, rng):
     for name in (b"README.md", b"src/a.txt", b"src/b.txt", b"src/deep/c.txt", b"kept.txt"):
         if os.path.lexists(w.path(name)) and not os.path.isdir(w.path(name)):
@@ -115,7 +113,7 @@ def clone_within(w, place):
     return os.fsdecode(w.path(place))
 
 
-@feature("within", refusing=True)
+@feature("within")
 def build_dependency(w, rng):
     clone_within(w, rng.choice([b"build/_deps/lib-src", b"node_modules/lib"]))
 

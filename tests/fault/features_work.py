@@ -65,9 +65,9 @@ def deleted(w, rng):
     os.unlink(w.path(b"README.md"))
 
 
-@feature(refusing=True)
+@feature()
 def removed_staged(w, rng):
-    """`git add` does not know a path whose deletion is staged already, and so the staging stops there."""
+    """`git add` does not know a path whose deletion is staged already."""
     w.here("rm", "--quiet", "README.md")
 
 

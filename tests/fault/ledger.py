@@ -40,6 +40,7 @@ class Ledger:
     first_seen: dict = field(default_factory=dict)  # path -> moment
     folders: dict = field(default_factory=dict)     # that git listed as ignored -> moment
     seen: dict = field(default_factory=dict)        # path -> identities that it ever had
+    removed: set = field(default_factory=set)       # other worktrees that a deed cleaned
     expected: dict = field(default_factory=dict)    # of the neighbours
     complaints: list = field(default_factory=list)  # what the program did to the neighbours
     touched: dict = field(default_factory=dict)     # (section, key) -> moment of the last deed that changed it
@@ -64,6 +65,8 @@ class Ledger:
         found = neighbours.look(self.world)
         for difference in list(neighbours.differences(self.expected, found)):
             section, key, old, new = difference
+            if key is None and section[1] in self.removed:
+                continue
             if not allowed(section, key, old, new):
                 self.complaints.append(f"{named(section, key)} was {old!r}, is {new!r}")
             if key is not None:

@@ -251,8 +251,8 @@ def again(workshop, world, result):
         error == "A commit hook stopped the preservation commit. "
     if nothing_new or any(words in error for words in WHAT_GIT_DOES_NOT_STAGE):
         return
-    if is_same_branch(result) and error.startswith("The remote branch"):
-        return  # what the remote has of the first attempt is not overwritten
+    if is_same_branch(result):
+        return  # what the first attempt left under that name is neither overwritten nor gone to
     if not locks and world.options["untracked"] == "yes":
         result.stuck.append(f"the next attempt stops: {error}")
     elif locks and not any(mark in error for mark in REFUSAL_MARKS):

@@ -1,5 +1,6 @@
 """Several worktrees of one repository, cleaned one after the other, or at the same time by two processes."""
 
+import os
 import threading
 
 import attempt as attempts
@@ -35,6 +36,8 @@ def carry_out(workshop, world, seed, way, step, rng):
     else:
         def deed(_world, _run):
             clean_other()
+            if not os.path.lexists(other.worktree):
+                result.ledger.removed.add(other.worktree)
         deed.__name__ = "clean_another_worktree"
         scenario.one_attempt(workshop, world, result.ledger, result, [attempts.Stop(step, deed=deed)], {})
     for ledger, run in cleaned:
