@@ -123,13 +123,20 @@ def staged(world):
     return pairs
 
 
+def ignored_paths(world):
+    """As a review sees them: whole folders end in a slash."""
+    question = ["status", "--porcelain", "-z", "--untracked-files=all", "--ignored=matching"]
+    output = world.inside("--no-optional-locks", *question)
+    return {record[3:] for record in split(output) if record.startswith(b"!! ")}
+
+
 def take(world):
     """What there is now. The worktree's folder must be there."""
     account = Account()
     index = {}
     for path, identity in staged(world):
         index.setdefault(path, set()).add(identity)
-    ignored = set(split(world.inside("ls-files", "-z", "--others", "--ignored", "--exclude-standard", "--directory")))
+    ignored = ignored_paths(world)
     inside = tuple(path for path in ignored if path.endswith(b"/"))
     account.ignored_folders = set(inside)
     for path, place in walk(world.worktree):
