@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace cairnfield {
@@ -93,11 +94,13 @@ std::vector<OwnReference> referencesOfGit(const Worktree& worktree, GitAnswers& 
     return references;
 }
 
-/// Asked from where the repository is, "all" are its references and the HEAD of each worktree, and none of
-/// another worktree's own references.
+/// Asked from where the repository is, "all" are its references, and none of another worktree's own. What
+/// HEAD was at is held as well: it is judged, or preserved, by itself.
 GitQuestion whetherHeldElsewhere(const Worktree& worktree, const std::string& object) {
-    return {worktree.repositoryRoot,
-            {"rev-list", "--objects", "--filter=tree:0", "--max-count=1", object, "--not", "--all"}};
+    GitArguments arguments{"rev-list", "--objects", "--filter=tree:0", "--max-count=1",
+                           object,     "--not",     "--all"};
+    if (worktree.headSHA) arguments.push_back(*worktree.headSHA);
+    return {worktree.repositoryRoot, std::move(arguments)};
 }
 
 }  // namespace

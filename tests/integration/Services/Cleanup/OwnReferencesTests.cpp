@@ -98,7 +98,7 @@ TEST_F(OwnReferences, AreAskedAboutOnlyWhereThereAreAny) {
     feature.git({"update-ref", "refs/worktree/wip", head});
     EXPECT_EQ(look(reviewed), "");
     EXPECT_THAT(commandLines(), ElementsAre("project: rev-list --objects --filter=tree:0 --max-count=1 " +
-                                            head + " --not --all"));
+                                            head + " --not --all " + head));
 }
 
 TEST_F(OwnReferences, KeepACleanupFromLosingTheirCommits) {
