@@ -41,7 +41,7 @@ TEST_F(StandingReasons, StopACleanupBeforeAnythingIsPushed) {
     EXPECT_EQ(receipt.outcome, CleanupOutcome::failed);
     EXPECT_FALSE(remoteHasBranch());
     EXPECT_EQ(feature.git({"symbolic-ref", "--short", "HEAD"}), "feature");
-    EXPECT_EQ(feature.git({"status", "--porcelain"}), "M kept.txt");
+    EXPECT_EQ(feature.git({"status", "--porcelain"}), " M kept.txt");
     EXPECT_THAT(storedReceipts(), IsEmpty());
     EXPECT_THAT(stages(), ElementsAre("preflight"));
     expectIntact(receipt);
@@ -69,14 +69,13 @@ TEST_F(StandingReasons, ComeAfterWhatGitAndTheRemoteSay) {
 }
 
 TEST_F(StandingReasons, AreNotWhatThePreservationCures) {
+    feature.git({"update-ref", "refs/worktree/wip", "HEAD"});
+    feature.git({"symbolic-ref", "HEAD", "refs/worktree/wip"});
+    feature.commitFile("second.txt", "on a reference of its own\n");
     feature.write("kept.txt", "staged\n");
     feature.git({"add", "kept.txt"});
     feature.write("kept.txt", "and changed again\n");
     feature.write("new.txt");
-    feature.write("new.key", "not ignored by every name\n");
-    feature.git({"update-ref", "refs/worktree/wip", "HEAD"});
-    feature.git({"symbolic-ref", "HEAD", "refs/worktree/wip"});
-    feature.git({"commit", "--quiet", "--allow-empty", "--message", "On a reference of its own"});
     feature.write(".env", "SECRET=1\n");
     EXPECT_THAT(failures(), IsEmpty());
     const CleanupReceipt receipt = clean();
