@@ -115,14 +115,15 @@ TEST_F(RecoveryVaultScreen, FollowsTheStateInTheNextTurnOfTheLoop) {
     EXPECT_TRUE(screen->showsList());
 }
 
-TEST_F(RecoveryVaultScreen, ShowsTheEmptyStateForAnIndexThatCannotBeReadAndLosesNothing) {
+TEST_F(RecoveryVaultScreen, ListsTheCopiesOfAnIndexThatCannotBeDecodedAndLosesNothing) {
     const RecoveryVaultEntry env = entry(".env");
     keep({{env, "SECRET=1"}});
     for (const std::string garbled : {"not json", "{}", "[{\"id\": 7}]", "\xff\xfe"}) {
         const FilePath index = app.home.write("data/Cairnfield/recovery-vault.json", garbled);
         const CapturedLog log(Log::persistence());
         startAnew();
-        EXPECT_FALSE(screen->showsList());
+        ASSERT_TRUE(screen->showsList()) << garbled;
+        EXPECT_EQ(item(0).path, ".env");
         EXPECT_EQ(contentOf(index), garbled);
         EXPECT_EQ(contentOf(env.storedPath), "SECRET=1");
         EXPECT_THAT(log.text(), HasSubstr("Failed to decode recovery-vault.json")) << garbled;
