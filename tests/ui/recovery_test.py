@@ -201,13 +201,13 @@ class Recovery(UITestCase):
         self.addCleanup(os.remove, copy)
         self.assertEqual(self.read(copy), SECRET)
 
-    def test_shows_the_empty_state_for_an_index_that_cannot_be_read_and_loses_nothing(self):
+    def test_lists_the_copies_of_an_index_that_cannot_be_decoded_and_loses_nothing(self):
         self.stored = keep(self.data(), {b".env": SECRET})
         with open(self.data("recovery-vault.json"), "w", encoding="utf-8") as file:
             file.write("garbled")
         app = self.start()
         app.wait(lambda: "Failed to decode recovery-vault.json" in app.log_text(), "the line in the log")
-        app.find("The Recovery Vault is empty")
+        app.find(".env", role="list item")
         self.assertEqual(self.read(self.data("recovery-vault.json")), b"garbled")
         self.assertEqual(self.read(self.stored[0]), SECRET)
 
