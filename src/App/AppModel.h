@@ -110,6 +110,7 @@ private:
     Task<> loadPersistedState();
     Task<> listenToAnswers();
     void configureGitServices();
+    Task<> refuseGitThatIsTooOld();
     Task<> pollCapacity();
     Task<> reconcile();
     Task<> evaluateIncident(StorageSnapshot snapshot);

@@ -100,8 +100,21 @@ void AppModel::configureGitServices() {
         std::make_unique<GitWorktreeInspector>(runner, scanner_, activityDetector_)));
 }
 
+Task<> AppModel::refuseGitThatIsTooOld() {
+    // Asked again where the tools were looked for anew meanwhile, as at the start of the program.
+    while (const std::shared_ptr<WorktreeCatalog> catalog = catalog_) {
+        const std::optional<std::string> reason = co_await catalog->whyGitIsTooOld();
+        if (catalog_ != catalog) continue;
+        if (!reason) co_return;
+        catalog_.reset();
+        cleanup_->replaceCrew(nullptr);
+        state_.gitStatusMessage.set(reason);
+    }
+}
+
 Task<> AppModel::refreshIntegrations() {
     configureGitServices();
+    co_await refuseGitThatIsTooOld();
     const std::shared_ptr<GitHubServicing> service = githubService_;
     GitHubIntegrationStatus status = GitHubIntegrationStatus::unavailable();
     if (service) status = co_await service->status();
@@ -129,6 +142,12 @@ Task<> AppModel::refreshWorktrees(bool includeSizes) {
         co_return;
     }
 
+    co_await refuseGitThatIsTooOld();
+    if (!catalog_) {
+        state_.worktreeRefreshError.set(state_.gitStatusMessage.get());
+        state_.isRefreshingWorktrees.set(false);
+        co_return;
+    }
     WorktreeCatalog::RefreshOptions options;
     options.maxDepth = discoveryDepth;
     options.pinnedPaths = co_await folderStore_.pinnedWorktreePaths();

@@ -1,5 +1,6 @@
 #include "Services/Git/WorktreeCatalog.h"
 
+#include "Services/Git/GitVersion.h"
 #include "Services/Git/WorktreeIdentity.h"
 #include "Services/Git/WorktreeSafetyClassifier.h"
 #include "Shared/Concurrency/CurrentTask.h"
@@ -45,6 +46,16 @@ std::optional<GitRemote> remoteToAsk(const Worktree& worktree) {
 WorktreeCatalog::WorktreeCatalog(Executor& pool, std::unique_ptr<RepositoryDiscovering> discovery,
                                  std::unique_ptr<WorktreeInspecting> inspector, GitCommandRunner git)
     : Actor(pool), discovery_(std::move(discovery)), inspector_(std::move(inspector)), git_(std::move(git)) {}
+
+Task<std::optional<std::string>> WorktreeCatalog::whyGitIsTooOld() {
+    if (!version_) {
+        const GitArguments question{"--version"};
+        const std::optional<std::string> answer =
+            co_await git_.optionalString(question, FilePath("/"), questionLimit);
+        version_ = answer.value_or("");
+    }
+    co_return GitVersion::whyTooOld(*version_, git_.gitURL());
+}
 
 Task<std::vector<Worktree>> WorktreeCatalog::refresh(std::vector<FilePath> roots, RefreshOptions options) {
     std::vector<Worktree> worktrees;

@@ -13,7 +13,9 @@
 #include "Shared/Concurrency/Semaphore.h"
 
 #include <memory>
+#include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 namespace cairnfield {
@@ -31,6 +33,10 @@ public:
 
     WorktreeCatalog(Executor& pool, std::unique_ptr<RepositoryDiscovering> discovery,
                     std::unique_ptr<WorktreeInspecting> inspector, GitCommandRunner git);
+
+    /// In words for a person; absent when git is new enough, and when it does not say which it is. git is
+    /// asked once.
+    Task<std::optional<std::string>> whyGitIsTooOld();
 
     /// Sorted by repository name, then main first, then the largest. When the calling task is cancelled, the
     /// repository at hand is finished (with questions unanswered) and what was gathered comes back.
@@ -52,7 +58,8 @@ private:
     std::unique_ptr<RepositoryDiscovering> discovery_;
     std::unique_ptr<WorktreeInspecting> inspector_;
     GitCommandRunner git_;
-    Semaphore turn_{1};  ///< a second refresh waits for the first, also across suspensions
+    std::optional<std::string> version_;  ///< what git said of it; empty when it said nothing
+    Semaphore turn_{1};                   ///< a second refresh waits for the first, also across suspensions
 };
 
 }  // namespace cairnfield

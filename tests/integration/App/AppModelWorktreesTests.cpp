@@ -62,6 +62,39 @@ TEST_F(Worktrees, GitFoundLaterIsUsedFromTheNextLookAtTheIntegrations) {
     EXPECT_EQ(state().worktrees.get().size(), 2U);
 }
 
+TEST_F(Worktrees, AGitThatIsTooOldIsNamedAndNotShownAsAnEmptyList) {
+    const FilePath old = app.home.write("old-git", "#!/bin/sh\necho 'git version 2.35.1'\n");
+    std::filesystem::permissions(old.bytes(), std::filesystem::perms::owner_all);
+    const std::string words =
+        "The git at " + old.bytes() + " is version 2.35, which is too old. Cairnfield needs 2.36 or newer.";
+    app.run(app.model->addWatchedFolder(projects));
+    app.settings.gitPathOverride.set(old.bytes());
+    start();
+    EXPECT_EQ(state().gitStatusMessage.get(), words);
+    app.run(app.model->refreshWorktrees(false));
+    EXPECT_EQ(state().worktreeRefreshError.get(), words);
+    EXPECT_FALSE(state().isRefreshingWorktrees.get());
+
+    app.settings.gitPathOverride.set(std::nullopt);
+    app.run(app.model->refreshIntegrations());
+    EXPECT_EQ(state().gitStatusMessage.get(), std::nullopt);
+    app.run(app.model->refreshWorktrees(false));
+    EXPECT_EQ(state().worktrees.get().size(), 2U);
+}
+
+TEST_F(Worktrees, AGitThatIsTooOldIsNamedByARefreshThatComesFirst) {
+    app.run(app.model->addWatchedFolder(projects));
+    const FilePath old = app.home.write("old-git", "#!/bin/sh\necho 'git version 2.17.0'\n");
+    std::filesystem::permissions(old.bytes(), std::filesystem::perms::owner_all);
+    app.settings.gitPathOverride.set(old.bytes());
+    const TaskHandle<> starting = spawn(app.loop, app.model->start());
+    app.run(app.model->refreshWorktrees(false));
+    EXPECT_NE(state().worktreeRefreshError.get().value_or("").find("too old"), std::string::npos);
+    EXPECT_EQ(state().lastWorktreeRefresh.get(), std::nullopt);
+    EXPECT_FALSE(state().isRefreshingWorktrees.get());
+    app.waitUntil([&] { return starting.done(); });
+}
+
 TEST_F(Worktrees, WithNoEnabledFolderARefreshEmptiesTheList) {
     start();
     app.watch(projects);
