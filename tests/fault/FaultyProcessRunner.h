@@ -8,9 +8,7 @@
 #include "fault/RunRequest.h"
 
 #include <atomic>
-#include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 
 namespace cairnfield {
@@ -29,15 +27,13 @@ public:
 private:
     void makeFaulty(CommandInvocation& invocation, const std::string& line);
     /// The kind of the fault that the command of this number and line has.
-    [[nodiscard]] std::optional<std::string> faultOf(std::size_t number, const std::string& line);
+    [[nodiscard]] std::optional<std::string> faultOf(std::size_t number, const std::string& line) const;
 
     ProcessRunning& runner_;
     Checkpoints& checkpoints_;
     const RunRequest& request_;
     std::string phase_;  ///< changed between commands only
     std::atomic<std::size_t> started_ = 0;
-    std::mutex mutex_;
-    std::set<std::string> hadTheirFault_;  ///< beginnings of lines; guarded by mutex_
 };
 
 }  // namespace cairnfield

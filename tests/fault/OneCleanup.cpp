@@ -1,7 +1,7 @@
 #include "fault/OneCleanup.h"
 
 #include "Features/CleanupReview/CleanupReviewText.h"
-#include "Features/Worktrees/WorktreeDetailText.h"
+#include "Features/CleanupReview/ReviewListText.h"
 #include "Persistence/CleanupReceiptStore.h"
 #include "Platform/Linux/LinuxChildProcess.h"
 #include "Platform/Linux/LinuxTreeMeasurer.h"
@@ -154,29 +154,32 @@ void printPlan(const CleanupPlan& plan, JsonLines& lines) {
                            {"branch", jsonFromText(plan.recoveryBranch)}});
 }
 
-/// What the person reads before they start it: the pane that offers the cleanup, and the sheet, line by line.
-void printScreen(const CleanupPlan& plan, const CleanupPreflightReport& report, Date now, JsonLines& lines) {
+Json filesOf(const NamedFilesText& files) {
+    return {{"statement", jsonFromText(files.statement)}, {"lines", textsOf(files.lines)}};
+}
+
+/// What the sheet says before the person starts it, line by line.
+void printScreen(const CleanupPlan& plan, const CleanupPreflightReport& report, bool keepsNested,
+                 JsonLines& lines) {
     const Worktree& worktree = plan.worktree;
-    const WorktreeDetailText pane = detailText(worktree, SizeKnowledge::known, now);
     Json ignored = Json::array();
-    for (std::size_t i = 0; i < pane.ignored.size(); ++i) {
-        ignored.push_back({{"name", jsonFromText(worktree.ignoredEntries.at(i).name)},
-                           {"shown", jsonFromText(pane.ignored[i].name)},
-                           {"class", jsonFromText(pane.ignored[i].classification)}});
+    for (const IgnoredEntry& entry : worktree.ignoredEntries) {
+        ignored.push_back({{"name", jsonFromText(entry.name)},
+                           {"line", jsonFromText(ignoredEntryLine(entry))},
+                           {"class", rawValue(entry.classification)}});
     }
-    Json nested = Json::array();
-    for (const IgnoredEntry& file : plan.nested.seen) nested.push_back(jsonFromText(file.relativePath));
     const PreservedText preserved = preservedText(plan, report);
-    lines.print("screen", {{"safety", jsonFromText(std::string(title(pane.disposition)))},
-                           {"explanation", jsonFromText(pane.explanation)},
-                           {"ignored", std::move(ignored)},
+    lines.print("screen", {{"ignored", std::move(ignored)},
+                           {"changed", textsOf(worktree.status.changedPaths)},
+                           {"untracked", textsOf(worktree.status.untrackedPaths)},
                            {"warnings", textsOf(warningLines(report))},
                            {"found", rowsOf(foundRows(worktree))},
                            {"preserved", jsonFromText(preserved.statement.text)},
                            {"rows", rowsOf(preserved.rows)},
                            {"sensitive", textsOf(sensitiveLines(worktree))},
-                           {"nested", std::move(nested)},
-                           {"rebuildable", textsOf(rebuildableLines(worktree))}});
+                           {"rebuildable", textsOf(rebuildableLines(worktree))},
+                           {"nested", filesOf(nestedFilesText(plan.nested))},
+                           {"going", filesOf(nestedFilesThatGoText(plan.nested, keepsNested))}});
 }
 
 Task<> cleanUp(Parts& parts, Checkpoints& checkpoints, JsonLines& lines) {
@@ -212,7 +215,7 @@ Task<> cleanUp(Parts& parts, Checkpoints& checkpoints, JsonLines& lines) {
         lines.print("blocked", {{"reason", jsonFromText(*look.nested.failure)}});
         co_return;
     }
-    printScreen(proposed, preflight, checkpoints.now(), lines);
+    printScreen(plan, preflight, parts.request.includesNested, lines);
     parts.commands.enter("");
     checkpoints.reach("reviewed");
     const CleanupCoordinator::ProgressReport report = [&](const CleanupProgress& progress) {

@@ -41,7 +41,7 @@ struct RunRequest {
 
     // What goes wrong.
     std::map<std::size_t, std::string> faults;        ///< kind by the number of the command, from 1 on
-    std::map<std::string, std::string> faultsByLine;  ///< kind by the beginning of the line of the first such
+    std::map<std::string, std::string> faultsByLine;  ///< kind by the beginning of their lines
     std::optional<FilePath> faultScript;              ///< started in place of a faulty command
     std::chrono::nanoseconds hangLimit{std::chrono::milliseconds(250)};
     std::vector<Limit> limits;  ///< by the beginning of a command's line

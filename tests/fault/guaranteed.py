@@ -16,13 +16,13 @@ ENTRY = re.compile(r"^\| `([a-z-]+)` \|", re.MULTILINE)
 
 
 def shown_as(name, kind):
-    """The pane and, where it has a section for them, the sheet list it, as of this class."""
+    """The sheet lists it as of this class, in the section of that class where there is one."""
     return lambda run: let_go.Told([ledger.Screen((1, 0), run.screen)]).kinds.get(name) == kind
 
 
-def counted(label):
-    """The sheet counts what has changed, and names no path."""
-    return lambda run: any(row["label"] == label and row["value"] != "0" for row in run.screen["found"])
+def listed(name, path):
+    """The sheet has it in this list."""
+    return lambda run: path in run.screen[name]
 
 
 def says(text):
@@ -63,18 +63,18 @@ GOING = {
     "ignored-rebuildable": Going(["edit", "build_output"], shown_as("node_modules", "rebuildable")),
     "ignored-unknown": Going(["edit", "unknown_ignored"], shown_as("scratch", "unknown")),
     "ignored-later": Going(["edit"], told_nothing("late.js"), stops=[attempts.Stop("after git push", deed=add_build_output)]),
-    "secret-nested": Going(["edit", "secret_nested"], lambda run: "src/deep/inner.key" in run.screen["nested"], {"nested": "no"}),
+    "secret-nested": Going(["edit", "secret_nested"], says("• src/deep/inner.key · "), {"nested": "no"}),
     "secret-unselected": Going(["edit", "secret"], shown_as(".env", "sensitive"), {"sensitive": "no"}),
     "secret-link": Going(["edit_many", "secret_link_inside"], shown_as("link.key", "sensitive")),
-    "staged-version": Going(["half_staged"], counted("Tracked changes")),
+    "staged-version": Going(["half_staged"], listed("changed", "src/deep/c.txt")),
     "head-reflog": Going(["reset_away", "edit"], told_nothing("away.txt", "Add away")),
     "worktree-references": Going(["own_references", "edit"], told_nothing("refs/worktree", "mine")),
     "tracking-reference": Going(["detached_at_a_stale_copy"], says("Every commit here already exists on the remote.")),
-    "hooks-change": Going(["edit", "hook_rewrites"], counted("Tracked changes")),
-    "filters": Going(["edit", "clean_filter_that_loses"], counted("Untracked files")),
+    "hooks-change": Going(["edit", "hook_rewrites"], listed("changed", "src/a.txt")),
+    "filters": Going(["edit", "clean_filter_that_loses"], listed("untracked", "words.short")),
     "same-second": Going(["edit", "same_second"], told_nothing("tool.sh")),
     "lying-git": Going(["detached_with_commits"], says("Every commit here already exists on the remote."),
-                       faults={"review git branch -r --contains": "rubbish"}),
+                       faults=dict.fromkeys(["review git branch -r --contains", "git branch -r --contains"], "rubbish")),
     "last-moment": Going(["detached_with_commits_pushed"], told_nothing("On no branch"),
                          stops=at("before git worktree remove", "detach_and_commit")),
 }

@@ -39,19 +39,27 @@ def repaired(path):
 
 
 class Told:
-    """What the screens of a cleanup said of ignored files."""
+    """What the sheets of a cleanup said of ignored files."""
 
     def __init__(self, screens):
         self.any = bool(screens)
         self.kinds = {}         # the top of a path -> class
-        self.nested = set()     # paths that look sensitive below the top
+        self.going = []         # lines about what looks sensitive below the top and disappears
+        self.is_counted = False  # there are more such than are named
         for screen in screens:
-            self.nested |= set(screen.event["nested"])
-            for entry in screen.event["ignored"]:
-                kind = entry["class"].lower()
-                lines = screen.event.get({"sensitive": "sensitive", "rebuildable": "rebuildable"}.get(kind), None)
-                if lines is None or any(line.removeprefix("• ").startswith(entry["shown"] + " · ") for line in lines):
+            said = screen.event
+            self.going += said["going"]["lines"]
+            self.is_counted |= len(said["going"]["lines"]) >= 200
+            for entry in said["ignored"]:
+                kind, shown = entry["class"], entry["line"].rsplit(" · ", 2)[0]
+                lines = said.get({"sensitive": "sensitive", "rebuildable": "rebuildable"}.get(kind))
+                is_in_section = lines is None or any(line.removeprefix("• ").startswith(shown + " · ") for line in lines)
+                if is_in_section and entry["line"].lower().endswith(kind):
                     self.kinds[entry["name"]] = kind
+
+    def disappears(self, path):
+        """Whether it was named, or was one of those that are only counted."""
+        return self.is_counted or any(line.startswith(f"• {repaired(path)} · ") for line in self.going)
 
     def of(self, path):
         """The class under which the top of this path was listed; None when it was not."""
@@ -66,9 +74,9 @@ def name_of_ignored(item, told, is_in_reviewed_folder, options):
         is_expected = is_within_build_output(item.path) or is_in_reviewed_folder and not is_below
         return "ignored-later" if is_expected else None
     shown = told.of(item.path)
-    if is_below or repaired(item.path) in told.nested:
+    if is_below:
         is_left = options["nested"] == "no" or item.kind == "link" or item.size > int(options.get("largest", 1_000_000))
-        return "secret-nested" if is_left and repaired(item.path) in told.nested else None
+        return "secret-nested" if is_left and (told.disappears(item.path) or item.kind == "link") else None
     if shown == "sensitive":
         if item.kind == "link":
             return "secret-link"
