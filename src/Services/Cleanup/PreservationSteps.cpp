@@ -67,6 +67,9 @@ Task<> PreservationSteps::commit() {
     const GitArguments commit{"commit", "--message", plan_.commitMessage};
     const CommandResult result = co_await git_.run(commit, plan_.worktree.path, commitLimit);
     if (!result.succeeded()) throw commitFailure(result.standardError);
+    // A hook may have rewritten what the commit was made on. A branch keeps its own commits, a detached HEAD
+    // has nothing else that holds them.
+    if (plan_.worktree.isDetached) co_await reviewedHead_.assertHeldByHead(plan_.recoveryBranch);
 }
 
 Task<std::optional<std::string>> PreservationSteps::head() {

@@ -131,6 +131,17 @@ TEST_F(RecoveryBranch, IsLookedAtWhenItWasMadeForThisCleanup) {
     EXPECT_EQ(project.git({"rev-parse", branch}), work) << "made, and nothing undone";
 }
 
+TEST_F(RecoveryBranch, IsLookedAtAfterTheHooksOfACommitOnADetachedHead) {
+    const std::string work = detached.commitFile("work.txt");
+    detached.write("kept.txt", "changed\n");
+    hook("post-commit", "git update-ref HEAD $(git commit-tree -m squashed 'HEAD^{tree}')");
+    const CleanupReceipt receipt = execute(plan(review(detached)));
+    EXPECT_EQ(receipt.errorSummary, lacksByQuestion(work));
+    EXPECT_EQ(receipt.recoveryBranch, std::nullopt);
+    EXPECT_TRUE(isThere(detached.path()));
+    EXPECT_FALSE(remoteHasBranch());
+}
+
 TEST_F(RecoveryBranch, IsNotWhatAHeadWithoutACommitStandsOn) {
     const std::string work = feature.commitFile("work.txt");
     commands.after("switch --create", [this] {
@@ -214,9 +225,8 @@ class RecoveryBranchAtAnUnknownCommit : public Cleanup {
 protected:
     RecoveryBranchAtAnUnknownCommit() {
         feature.write("kept.txt", "changed\n");
-        commands.after("commit", [this] {
-            commands.answer("rev-parse HEAD", CommandResult{128, {}, "bad"});
-        });
+        commands.after("commit",
+                       [this] { commands.answer("rev-parse HEAD", CommandResult{128, {}, "bad"}); });
     }
 };
 
