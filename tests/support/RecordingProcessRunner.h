@@ -1,9 +1,12 @@
 #pragma once
-// Passes every command on to another runner and remembers it. From any thread.
+// Passes every command on to another runner and remembers it. From any thread; what is answered instead is set
+// before the first command.
 
 #include "Services/Process/ProcessRunning.h"
 
+#include <map>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,7 +16,15 @@ class RecordingProcessRunner final : public ProcessRunning {
 public:
     explicit RecordingProcessRunner(ProcessRunning& runner) : runner_(runner) {}
 
+    /// What a command is answered without being run, by the beginning of its arguments, joined by blanks.
+    std::map<std::string, CommandResult> instead;
+
     Task<CommandResult> run(CommandInvocation invocation) override {
+        std::string words;
+        for (const std::string& argument : invocation.arguments) words += argument + ' ';
+        for (const auto& [beginning, result] : instead) {
+            if (words.starts_with(beginning + ' ')) return answered(result);
+        }
         {
             const std::lock_guard lock(mutex_);
             invocations_.push_back(invocation);
@@ -28,6 +39,8 @@ public:
     }
 
 private:
+    static Task<CommandResult> answered(CommandResult result) { co_return result; }
+
     ProcessRunning& runner_;
     std::mutex mutex_;
     std::vector<CommandInvocation> invocations_;  // guarded by mutex_

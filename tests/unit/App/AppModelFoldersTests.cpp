@@ -82,6 +82,9 @@ TEST_F(Folders, UnreadableItemsAreCountedAndTheSizeStillCounts) {
     add(projects);
     EXPECT_EQ(only().lastScanError, "2 item(s) could not be read.");
     EXPECT_EQ(only().lastKnownSizeBytes, 1000);
+    measurer.unreadable = 1;
+    app.run(app.model->scan(only(), true));
+    EXPECT_EQ(only().lastScanError, "1 item(s) could not be read.");
     measurer.unreadable = 0;
     app.run(app.model->scan(only(), true));
     EXPECT_EQ(only().lastScanError, std::nullopt);

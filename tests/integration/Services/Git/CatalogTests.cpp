@@ -135,6 +135,13 @@ TEST_F(Catalog, FindsARepositoryWhoseGitDirectoryLiesElsewhere) {
     EXPECT_THAT(pathsOf(services.refresh({home / "root"})), ElementsAre(main.path(), feature.path()));
 }
 
+TEST_F(Catalog, DropsARepositoryWhoseWorktreesCannotBeListed) {
+    const GitRepository main = projectAt("root/project");
+    ASSERT_THAT(pathsOf(services.refresh({home / "root"})), ElementsAre(main.path()));
+    services.commands.instead = {{"worktree list", {128, "", "fatal: broken"}}};
+    EXPECT_THAT(services.refresh({home / "root"}), IsEmpty());
+}
+
 TEST_F(Catalog, TakesOneRepositoryReachedByALinkAndByItsPathForOne) {
     const GitRepository main = projectAt("real/project");
     fs::create_directory_symlink((home / "real").bytes(), (home / "link").bytes());

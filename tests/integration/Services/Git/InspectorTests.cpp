@@ -233,6 +233,13 @@ TEST_F(Inspector, DropsTheRemoteFromTheNameOfItsDefaultBranch) {
     EXPECT_EQ(services.inspect(project).tracking.defaultBranch, "main");
 }
 
+TEST_F(Inspector, DropsTheRemoteWhereverItStandsInThatName) {
+    const GitRepository project = hub().cloneTo(home / "project");
+    project.git({"update-ref", "refs/remotes/origin/team/origin/main", "HEAD"});
+    project.git({"symbolic-ref", "refs/remotes/origin/HEAD", "refs/remotes/origin/team/origin/main"});
+    EXPECT_EQ(services.inspect(project).tracking.defaultBranch, "team/main");
+}
+
 TEST_F(Inspector, GivesARemoteItsFetchURLToPushTo) {
     const GitRepository project = localProject();
     project.git({"remote", "add", "both", hostedURL});
@@ -261,6 +268,33 @@ TEST_F(Inspector, CountsWhatIsAheadAndBehindOfTheUpstream) {
     const RemoteTrackingState tracking = services.inspect(feature).tracking;
     EXPECT_EQ(tracking.ahead, 2);
     EXPECT_EQ(tracking.behind, 1);
+}
+
+TEST_F(Inspector, CountsNothingWhereTheCountsCannotBeRead) {
+    const GitRepository project = hub().cloneTo(home / "project");
+    const GitRepository feature = project.addWorktree(home / "feature", "feature");
+    feature.publish();
+    feature.commitFile("one.txt");
+    for (const char* answer : {"5", "1 2 3", "five six", "1.5 2", ""}) {
+        services.commands.instead = {{"rev-list --left-right", {0, answer, ""}}};
+        const RemoteTrackingState tracking = services.inspect(feature).tracking;
+        EXPECT_EQ(tracking.ahead, 0) << answer;
+        EXPECT_EQ(tracking.behind, 0) << answer;
+    }
+    // Words between two numbers are passed over.
+    services.commands.instead = {{"rev-list --left-right", {0, "3 commits 4\n", ""}}};
+    EXPECT_EQ(services.inspect(feature).tracking.behind, 3);
+    EXPECT_EQ(services.inspect(feature).tracking.ahead, 4);
+}
+
+TEST_F(Inspector, KnowsNoUniqueCommitsWhereTheirCountCannotBeRead) {
+    const GitRepository feature = localProject().addWorktree(home / "feature", "feature");
+    feature.commitFile("one.txt");
+    ASSERT_EQ(services.inspect(feature).tracking.uniqueCommitCount, 1);
+    for (const char* answer : {"many", "1 2", "0x1", ""}) {
+        services.commands.instead = {{"rev-list --count", {0, answer, ""}}};
+        EXPECT_EQ(services.inspect(feature).tracking.uniqueCommitCount, std::nullopt) << answer;
+    }
 }
 
 TEST_F(Inspector, CountsNothingWithoutAnUpstream) {
@@ -301,6 +335,20 @@ TEST_F(Inspector, ListsTopLevelIgnoredEntriesLargestFirst) {
     EXPECT_EQ(record.ignoredEntries[4].sizeBytes, 0) << "rebuildable, and not in the cache";
     EXPECT_FALSE(record.ignoredEntries[5].isDirectory) << "a link is not what it points to";
     EXPECT_TRUE(record.ignoredEntries[2].modifiedAt.has_value());
+    EXPECT_THAT(services.scanner.walked, ElementsAre(project / "notes"));
+}
+
+TEST_F(Inspector, SizesAnUnknownDirectoryOnceHoweverManyPathsInItAreIgnored) {
+    const GitRepository project = localProject();
+    project.ignore("x");
+    for (const char* path : {"notes/a/x", "notes/b/x", "notes/x"}) project.write(path);
+    project.write("notes/a/kept.txt");
+    services.scanner.sizes = {{project / "notes", 8'000'000}};
+    const Worktree record = services.inspect(project);
+    ASSERT_EQ(record.status.ignoredPaths.size(), 3U);
+    ASSERT_EQ(record.ignoredEntries.size(), 1U);
+    EXPECT_EQ(record.ignoredEntries[0].name, "notes");
+    EXPECT_EQ(record.ignoredEntries[0].sizeBytes, 8'000'000);
     EXPECT_THAT(services.scanner.walked, ElementsAre(project / "notes"));
 }
 

@@ -309,5 +309,18 @@ TEST_F(Verdicts, VanishedDirectory) {
     EXPECT_TRUE(record.isPrunable);
 }
 
+TEST_F(Verdicts, ALockedWorktreeWhoseDirectoryVanishedIsInaccessibleAndStaysLocked) {
+    const GitRepository feature = localProject().addWorktree(home / "feature", "feature");
+    feature.lock("on a drive that comes and goes");
+    fs::remove_all(feature.path().bytes());
+    const std::vector<Worktree> worktrees = services.refresh({home / "project"});
+    const Worktree record = recordOf(worktrees, feature.path());
+    EXPECT_EQ(rawValue(record.safety), "inaccessible");
+    EXPECT_EQ(record.inspectionError, "The worktree path no longer exists.");
+    EXPECT_TRUE(record.isLocked);
+    EXPECT_EQ(record.lockReason, "on a drive that comes and goes");
+    EXPECT_FALSE(record.isPrunable) << "git prunes nothing that is locked";
+}
+
 }  // namespace
 }  // namespace cairnfield
