@@ -40,7 +40,7 @@ TEST_F(OwnReferences, OfABisectionKeepItAfterTheBisectionToo) {
 
 TEST_F(OwnReferences, ThatAPersonMadeBesideHeadKeepIt) {
     feature.git({"update-ref", "MY_WIP", looseCommit()});
-    ASSERT_TRUE(isThere(own / "MY_WIP"));
+    ASSERT_TRUE(isThere(own.appending("MY_WIP")));
     EXPECT_EQ(look(), holdsWhatNothingElseHolds("MY_WIP"));
 }
 
@@ -76,13 +76,13 @@ TEST_F(OwnReferences, OfAnotherWorktreeHoldNothingThatThisOneWouldTake) {
 TEST_F(OwnReferences, ThatGitNotesForItselfAreNoObstacle) {
     feature.commitFile("dropped.txt");
     feature.git({"reset", "--quiet", "--hard", "HEAD~1"});
-    ASSERT_TRUE(isThere(own / "ORIG_HEAD"));
+    ASSERT_TRUE(isThere(own.appending("ORIG_HEAD")));
     EXPECT_EQ(look(), "");
 }
 
 TEST_F(OwnReferences, ThatCannotBeReadKeepIt) {
     const Worktree reviewed = review();
-    fs::create_directories((own / "refs/worktree").bytes());
+    fs::create_directories((own.appending("refs/worktree")).bytes());
     GitRepository::at(own).write("refs/worktree/torn", "3f");
     EXPECT_EQ(look(reviewed), "Its own reference refs/worktree/torn could not be read.");
     GitRepository::at(own).write("refs/worktree/torn", std::string(40, 'a') + "\n");
