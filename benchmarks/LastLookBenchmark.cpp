@@ -52,7 +52,8 @@ void lookBesideStatus(benchmark::State& state) {
     const auto ours = [&] {
         GitAnswers answers;
         const std::optional<RemovalRefusal> refusal = lookBeforeRemoval(question, volumes, answers);
-        if (refusal || !answers.takeOpen().empty()) throw std::runtime_error("it is not an ordinary worktree");
+        if (refusal || !answers.takeOpen().empty())
+            throw std::runtime_error("it is not an ordinary worktree");
     };
     measureSideBySide(state, ours, [&] { bare.run(); });
 }

@@ -166,7 +166,7 @@ Task<> AppModel::scanAllFolders(bool force) {
 
 Task<bool> AppModel::isDirectory(FilePath path) {
     const auto look = [path = std::move(path)] {
-        struct stat facts {};
+        struct stat facts{};
         return ::stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
     };
     const bool isOne = co_await runOn(environment_.blocking, look);

@@ -1,7 +1,8 @@
 #pragma once
 // Every setting of the program. Reads all of the user's defaults once, hands each change on to them, which
-// write it off this thread (Platform/UserDefaults.h), and tells its observers when a value really changed. Main thread only. It keeps what it is given: limits and clamps
-// are its readers'. A stored value of another type reads as the default, and a default is never written back.
+// write it off this thread (Platform/UserDefaults.h), and tells its observers when a value really changed.
+// Main thread only. It keeps what it is given: limits and clamps are its readers'. A stored value of another
+// type reads as the default, and a default is never written back.
 
 #include "Models/Storage.h"
 #include "Platform/UserDefaults.h"

@@ -26,8 +26,8 @@ public:
     /// The value with the type it was written with; absent when there is none.
     [[nodiscard]] virtual std::optional<DefaultsValue> value(std::string_view key) const = 0;
     virtual void set(std::string_view key, DefaultsValue value) = 0;
-    /// The same for one of many values that follow each other as a person types: it need not be on disk before
-    /// they pause, or doneTyping() is called.
+    /// The same for one of many values that follow each other as a person types: it need not be on disk
+    /// before they pause, or doneTyping() is called.
     virtual void setWhileTyping(std::string_view key, DefaultsValue value) = 0;
     virtual void doneTyping() = 0;
     virtual void remove(std::string_view key) = 0;

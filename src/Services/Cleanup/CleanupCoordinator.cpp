@@ -188,9 +188,8 @@ Task<> CleanupCoordinator::removeWorktree(Run& run) {
 
 Task<> CleanupCoordinator::lookOnceMore(Run& run, std::vector<std::string> untracked) {
     const Worktree& reviewed = run.plan.worktree;
-    const ExpectedHead head = run.plan.requiresPreservation()
-                                  ? ExpectedHead::preserved(run.commitOnRemote)
-                                  : ExpectedHead::reviewed(reviewed);
+    const ExpectedHead head = run.plan.requiresPreservation() ? ExpectedHead::preserved(run.commitOnRemote)
+                                                              : ExpectedHead::reviewed(reviewed);
     FilesSeen seen{std::move(untracked), std::nullopt};
     if (run.plan.nested.wereLookedFor()) seen.sensitive = run.plan.nested.seen;
     const std::optional<RemovalRefusal> refusal =

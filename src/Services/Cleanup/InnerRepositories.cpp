@@ -153,8 +153,8 @@ private:
     }
 
     Objection objectionToNewFiles(const FilePath& workTree) {
-        const GitAnswer* answer = ask({"ls-files", "--others", "--exclude-standard", "--directory",
-                                       "--no-empty-directory", "-z"});
+        const GitAnswer* answer =
+            ask({"ls-files", "--others", "--exclude-standard", "--directory", "--no-empty-directory", "-z"});
         if (!answer) return std::nullopt;
         if (!answer->succeeded()) return unreadable;
         for (const std::string_view path : splitDroppingEmpty(answer->output, '\0')) {

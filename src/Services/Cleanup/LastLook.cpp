@@ -87,7 +87,8 @@ Paths rebuildableDirectories(const Worktree& reviewed) {
 
 TreeLookQuestion treeQuestion(const Worktree& reviewed, const Entries& entries,
                               const timespec& indexModified) {
-    TreeLookQuestion question{reviewed.path, {}, {}, indexModified, nullptr, rebuildableDirectories(reviewed)};
+    TreeLookQuestion question{reviewed.path, {},      {},
+                              indexModified, nullptr, rebuildableDirectories(reviewed)};
     for (const GitIndexEntry& entry : entries) {
         if (entry.isSubmodule()) question.submodules.insert(entry.path);
         if (entry.path == "HEAD" || entry.path.ends_with("/HEAD")) question.trackedHeads.insert(entry.path);

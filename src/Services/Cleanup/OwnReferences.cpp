@@ -44,8 +44,7 @@ bool isANoteOfGit(std::string_view name) {
 
 /// By its name, it can be a reference beside HEAD.
 bool isNamedLikeHead(std::string_view name) {
-    return std::ranges::all_of(name,
-                               [](char c) { return (c >= 'A' && c <= 'Z') || c == '_' || c == '-'; });
+    return std::ranges::all_of(name, [](char c) { return (c >= 'A' && c <= 'Z') || c == '_' || c == '-'; });
 }
 
 void addThoseBesideHead(const FilePath& own, std::vector<OwnReference>& references) {
@@ -79,10 +78,9 @@ std::vector<OwnReference> referencesInFiles(const FilePath& own) {
 
 /// As git lists them; one without a name and an object where it does not.
 std::vector<OwnReference> referencesOfGit(const Worktree& worktree, GitAnswers& git) {
-    const GitAnswer* answer =
-        git.to({worktree.path,
-                {"for-each-ref", "--format=%(objectname) %(refname)", "refs/worktree", "refs/bisect",
-                 "refs/rewritten"}});
+    const GitAnswer* answer = git.to({worktree.path,
+                                      {"for-each-ref", "--format=%(objectname) %(refname)", "refs/worktree",
+                                       "refs/bisect", "refs/rewritten"}});
     if (!answer) return {};
     if (!answer->succeeded()) return {OwnReference{}};
     std::vector<OwnReference> references;
@@ -97,8 +95,8 @@ std::vector<OwnReference> referencesOfGit(const Worktree& worktree, GitAnswers& 
 /// Asked from where the repository is, "all" are its references, and none of another worktree's own. What
 /// HEAD was at is held as well: it is judged, or preserved, by itself.
 GitQuestion whetherHeldElsewhere(const Worktree& worktree, const std::string& object) {
-    GitArguments arguments{"rev-list", "--objects", "--filter=tree:0", "--max-count=1",
-                           object,     "--not",     "--all"};
+    GitArguments arguments{"rev-list", "--objects", "--filter=tree:0", "--max-count=1", object,
+                           "--not",    "--all"};
     if (worktree.headSHA) arguments.push_back(*worktree.headSHA);
     return {worktree.repositoryRoot, std::move(arguments)};
 }

@@ -45,7 +45,8 @@ struct Watching : testing::Test {
     void watchLast() {
         app.run(app.model->addWatchedFolder(last));
         std::filesystem::create_directory(last.bytes());
-        app.waitUntil([&] { return app.fileEventStreams.roots().size() == state().watchedFolders.get().size(); });
+        app.waitUntil(
+            [&] { return app.fileEventStreams.roots().size() == state().watchedFolders.get().size(); });
         measurer.walks = 0;
     }
     /// A batch that also touches the last folder. Folders are looked at in their order, so when that one has

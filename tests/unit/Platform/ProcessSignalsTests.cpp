@@ -13,7 +13,7 @@ namespace cairnfield {
 namespace {
 
 std::string dispositionOf(int number) {
-    struct sigaction now {};
+    struct sigaction now{};
     if (::sigaction(number, nullptr, &now) != 0) return "unknown";
     return now.sa_handler == SIG_IGN ? "ignored" : now.sa_handler == SIG_DFL ? "default" : "handled";
 }

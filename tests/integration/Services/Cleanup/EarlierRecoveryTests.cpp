@@ -83,8 +83,8 @@ TEST_F(EarlierRecovery, ThatWasOverwrittenStopsTheSecondAttempt) {
     hub.git({"update-ref", std::string("refs/heads/") + branch, main});
     const CleanupReceipt receipt = tryAgain();
     EXPECT_EQ(receipt.errorSummary, std::string("The remote branch ") + branch + " points at " +
-                                        main.substr(0, 7) + " but the local commit is " +
-                                        head.substr(0, 7) + ".");
+                                        main.substr(0, 7) + " but the local commit is " + head.substr(0, 7) +
+                                        ".");
     expectIntact(receipt);
 }
 

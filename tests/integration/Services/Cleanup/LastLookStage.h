@@ -16,9 +16,9 @@ protected:
         const RemovalLook removalLook(git, services.pool, mounts,
                                       ours.empty() ? support.directory() : ours.front());
         FilesSeen seen{untrackedIn(reviewed), std::move(sensitive)};
-        const std::optional<RemovalRefusal> refusal =
-            waitFor(services.pool, removalLook.atTheEnd(
-                                       {reviewed, ExpectedHead::reviewed(reviewed), {}, {}, std::move(seen)}));
+        const std::optional<RemovalRefusal> refusal = waitFor(
+            services.pool,
+            removalLook.atTheEnd({reviewed, ExpectedHead::reviewed(reviewed), {}, {}, std::move(seen)}));
         return refusal ? refusal->words : std::string();
     }
     std::string look() { return look(review()); }

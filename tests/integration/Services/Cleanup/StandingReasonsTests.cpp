@@ -107,10 +107,9 @@ TEST_F(StandingReasons, CostAnOrdinaryWorktreeNoCommand) {
     const Worktree reviewed = review();
     EXPECT_TRUE(preflight(reviewed).passed);
     for (const std::string& line : commandLines())
-        EXPECT_THAT(line, Not(testing::AnyOf(testing::HasSubstr("rev-list --objects"),
-                                             testing::HasSubstr("for-each-ref"),
-                                             testing::HasSubstr("--verify --quiet HEAD"),
-                                             testing::HasSubstr("--git-dir"))));
+        EXPECT_THAT(line, Not(testing::AnyOf(
+                              testing::HasSubstr("rev-list --objects"), testing::HasSubstr("for-each-ref"),
+                              testing::HasSubstr("--verify --quiet HEAD"), testing::HasSubstr("--git-dir"))));
 }
 
 }  // namespace

@@ -26,8 +26,7 @@ TEST(RemovalRefusal, IsTheErrorThatFits) {
 }
 
 TEST(RemovalRefusal, NeverSaysThatGitRefused) {
-    for (const Kind kind :
-         {Kind::state, Kind::unreadable, Kind::elsewhere, Kind::operation, Kind::copies}) {
+    for (const Kind kind : {Kind::state, Kind::unreadable, Kind::elsewhere, Kind::operation, Kind::copies}) {
         const RemovalRefusal refusal("Why.", kind);
         EXPECT_THAT(asError(refusal), Not(HasSubstr("Git refused")));
         EXPECT_THAT(refusal.asSentence(), Not(HasSubstr("Git refused")));
