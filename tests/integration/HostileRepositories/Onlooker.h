@@ -4,6 +4,7 @@
 
 #include "Platform/Linux/LinuxTreeMeasurer.h"
 #include "Services/FileSystem/DirectorySizeScanner.h"
+#include "Services/Process/SafeEnvironment.h"
 #include "integration/Services/Git/GitServices.h"
 #include "support/SafeSurroundings.h"
 #include "support/Waiting.h"
@@ -14,15 +15,30 @@
 
 namespace cairnfield {
 
-/// Gives every command less time than it asks for.
+/// What a command would get if the environment of the program's start were not made safe for git.
+inline Environment withoutSafety(Environment environment) {
+    const Environment& start = environmentAtStart();
+    for (const auto& [name, value] : safeForGit(start)) {
+        if (!start.contains(name)) environment.erase(name);
+    }
+    for (const char* name : {"PATH", "LD_LIBRARY_PATH"}) {
+        const std::optional<std::string> value = valueOf(start, name);
+        if (value) environment[name] = *value;
+    }
+    return environment;
+}
+
+/// Gives every command less time than it asks for, or an environment that nobody has made safe.
 class ImpatientProcessRunner final : public ProcessRunning {
 public:
     explicit ImpatientProcessRunner(ProcessRunning& runner) : runner_(runner) {}
 
     std::optional<std::chrono::nanoseconds> patience;  ///< absent: all the time
+    bool isSafe = true;
 
     Task<CommandResult> run(CommandInvocation invocation) override {
         if (patience) invocation.timeout = std::min(invocation.timeout, *patience);
+        if (!isSafe) invocation.environment = withoutSafety(std::move(invocation.environment));
         return runner_.run(std::move(invocation));
     }
 
@@ -39,7 +55,9 @@ public:
 
     explicit Onlooker(Surroundings surroundings = Surroundings::asAtTheStart)
         : environment_(surroundings == Surroundings::asAtTheStart ? surroundingsAtTheStart()
-                                                                  : std::list<ScopedEnvironment>()) {}
+                                                                  : std::list<ScopedEnvironment>()) {
+        commands.isSafe = surroundings == Surroundings::asAtTheStart;
+    }
     ~Onlooker() { waitFor(services.pool, scanner.stop()); }
 
 private:
