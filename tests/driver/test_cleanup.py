@@ -204,7 +204,7 @@ class Clean(CleanupCase):
         self.assertEqual(answer.result["receipt"]["outcome"], "succeeded", answer.result)
         self.assertEqual([entry["relativePath"] for entry in self.vault()], ["src/api/.env.local"])
 
-    def test_nothing_begins_while_it_is_not_known_what_looks_sensitive(self):
+    def test_nothing_begins_where_something_is_mounted_among_ignored_files(self):
         topic = self.topic()
         (topic / "scratch.key" / "inner").mkdir(parents=True)
         (topic / "scratch.key" / "outer").write_text("kept\n")
@@ -212,8 +212,8 @@ class Clean(CleanupCase):
         answer = self.with_something_mounted_on(topic / "scratch.key" / "inner", "clean", str(topic), "--root", str(self.root))
         receipt = answer.result["receipt"]
         self.assertEqual(receipt["outcome"], "failed")
-        self.assertEqual(receipt["errorSummary"], "scratch.key/inner could not be looked through for files that look "
-                                                  "sensitive: Something is mounted there.")
+        self.assertEqual(receipt["errorSummary"], "The worktree cannot be removed. Something is mounted inside it: "
+                                                  f"{topic / 'scratch.key' / 'inner'}.")
         self.assertEqual((topic / "new").read_text(), "new\n")
         self.assertEqual(self.remote_branches(), ["main"])
 

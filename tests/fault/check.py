@@ -2,6 +2,7 @@
 to it here."""
 
 import os
+from dataclasses import replace
 
 import let_go
 from account import content_of, shas, staged, tree_of, version_at
@@ -78,6 +79,10 @@ class Judgement:
             return "same-second"
         if item.standing == "tracked" and self.went_with_its_commit(item):
             return "lying-git" if self.run.lied_about_remotes else "last-moment"
+        moved = self.world.moved_by_hooks.get(item.path)
+        if moved in self.ledger.first_seen:
+            # An attempt that stopped left it there, and the review of the next one showed it as ignored.
+            return self.fate_of(replace(entry, item=replace(item, path=moved, standing="ignored")))
         if item.standing != "ignored" or item.path.startswith(tuple(self.world.precious)):
             return None
         if self.is_last_moment(entry.since):

@@ -208,6 +208,7 @@ def hook_drops_large_files(w, rng):
 def hook_moves_files_away(w, rng):
     w.write(b"draft.txt", some_bytes(rng))
     w.hook("pre-commit", "git rm --quiet --cached draft.txt && mkdir -p logs && mv draft.txt logs/draft.txt")
+    w.moved_by_hooks[b"draft.txt"] = b"logs/draft.txt"
 
 
 @feature("hook", refusing=True)

@@ -65,7 +65,7 @@ class Deeds(Proof):
 
 class Detached(Proof):
     def test_interference_at_each_step(self):
-        self.assert_good(systematic.each_step_of_detached(self.workshop), 30)
+        self.assert_good(systematic.each_step_of_detached(self.workshop), 29)
 
     def test_reviewed_again_within_the_second(self):
         self.assert_good(systematic.same_seconds(self.workshop), 24)

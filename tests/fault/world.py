@@ -86,6 +86,7 @@ class World:
         self.features = []
         self.refusing = False   # something in it stops a cleanup for a good reason
         self.changed_by_hooks = set()  # paths
+        self.moved_by_hooks = {}       # path -> the ignored path that its file gets
         self.waits_before_trying_again = 60  # seconds
         self.at = None          # seconds since 1970 at which the program's clock stands still
         self.changed_unseen = set()    # paths whose change git itself cannot see
@@ -137,7 +138,7 @@ class World:
         other.stores_at = b"\0"
         for sort in ("changed_by_hooks", "changed_unseen", "precious", "companions"):
             setattr(other, sort, set())
-        other.features, other.undo, other.late = [], [], []
+        other.features, other.undo, other.late, other.moved_by_hooks = [], [], [], {}
         if home:
             other.home = self.base / home
             shutil.copytree(self.home, other.home, symlinks=True, ignore=shutil.ignore_patterns("data", "config"))
