@@ -1,5 +1,6 @@
 #include "Services/Cleanup/RemovalSteps.h"
 
+#include "Services/Cleanup/PathPresence.h"
 #include "Services/Git/FileFacts.h"
 #include "Services/Git/GitPorcelainParser.h"
 #include "Shared/Errors/CairnfieldError.h"
@@ -30,6 +31,12 @@ Task<std::optional<GitWorktreeEntry>> RemovalSteps::entry() {
     co_return PreflightJudgement::entryOf(plan_.worktree, entries);
 }
 
+Task<GitStatusSummary> RemovalSteps::status() {
+    const GitArguments question{"status", "--porcelain=v2", "-z", "--untracked-files=all", "--ignored=no"};
+    const CommandResult result = co_await git_.runChecked(question, plan_.worktree.path, statusLimit);
+    co_return GitPorcelainParser::parseStatus(result.standardOutput);
+}
+
 Task<std::vector<std::string>> RemovalSteps::assertUnchangedExceptPreservation() {
     const std::string& path = plan_.worktree.path.bytes();
     const std::optional<GitWorktreeEntry> present = co_await entry();
@@ -38,9 +45,7 @@ Task<std::vector<std::string>> RemovalSteps::assertUnchangedExceptPreservation()
         throw CairnfieldError(CairnfieldError::WorktreeRemovalFailed{path, "It is the main worktree."});
     if (present->isLocked) throw CairnfieldError(CairnfieldError::WorktreeLocked{path, present->lockReason});
 
-    const GitArguments question{"status", "--porcelain=v2", "-z", "--untracked-files=all", "--ignored=no"};
-    const CommandResult result = co_await git_.runChecked(question, plan_.worktree.path, statusLimit);
-    GitStatusSummary status = GitPorcelainParser::parseStatus(result.standardOutput);
+    GitStatusSummary status = co_await this->status();
     const Paths current = together(status.changedPaths, status.untrackedPaths);
     const Paths reviewed = together(plan_.trackedPathsToCommit, plan_.untrackedPathsToCommit);
     const auto uncommitted = std::ranges::count_if(
@@ -50,6 +55,19 @@ Task<std::vector<std::string>> RemovalSteps::assertUnchangedExceptPreservation()
             "git status", 0, std::to_string(uncommitted) + " reviewed file(s) are still uncommitted."});
     }
     co_return std::move(status.untrackedPaths);
+}
+
+Task<> RemovalSteps::assertStillReported(std::vector<std::string> untracked) {
+    const GitStatusSummary present = co_await status();
+    const Paths reported = together(present.changedPaths, present.untrackedPaths);
+    const FilePath& worktree = plan_.worktree.path;
+    const auto overlooked = std::ranges::find_if(untracked, [&](const std::string& path) {
+        return !reported.contains(path) && presenceOf(worktree.appending(path)) != PathPresence::absent;
+    });
+    if (overlooked == untracked.end()) co_return;
+    throw CairnfieldError(CairnfieldError::WorktreeActive{
+        worktree.bytes(),
+        FilePath(*overlooked).display() + " is in no commit, and Git overlooks it by now."});
 }
 
 Task<> RemovalSteps::remove() {

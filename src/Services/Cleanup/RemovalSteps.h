@@ -17,11 +17,14 @@ public:
     /// The worktree is still listed, free, and none of the plan's paths waits for a commit. Other changes are
     /// left to git, which refuses to remove them. Gives the paths that git reports as untracked.
     [[nodiscard]] Task<std::vector<std::string>> assertUnchangedExceptPreservation();
+    /// git still reports each of these paths that is on disk, so that it will remove nothing.
+    [[nodiscard]] Task<> assertStillReported(std::vector<std::string> untracked);
     [[nodiscard]] Task<> remove();
     [[nodiscard]] Task<> verify();
 
 private:
     [[nodiscard]] Task<std::optional<GitWorktreeEntry>> entry();
+    [[nodiscard]] Task<GitStatusSummary> status();
 
     GitCommandRunner git_;
     CleanupPreflight& preflight_;

@@ -124,6 +124,19 @@ TEST_F(FilesAccountedFor, AreNotThoseThatWereLeftOutAndAreIgnoredAfterTheCommit)
     expectIntact(receipt);
 }
 
+TEST_F(FilesAccountedFor, AreNotThoseThatAreIgnoredOnceGitHasReportedThem) {
+    feature.write("kept.txt", "changed\n");
+    commands.before("switch --create", [this] { feature.write("late.txt", "mine\n"); });
+    commands.after(lastStatus, [this] { project.ignore("late.txt"); });
+    const CleanupReceipt receipt = clean();
+    EXPECT_THAT(receipt.errorSummary.value_or(""),
+                HasSubstr("late.txt is in no commit, and Git overlooks it by now."));
+    EXPECT_EQ(receipt.outcome, CleanupOutcome::partiallyCompleted);
+    EXPECT_EQ(contentOf(feature / "late.txt"), "mine\n");
+    expectIntact(receipt);
+    EXPECT_TRUE(gitWouldRemove());
+}
+
 TEST_F(FilesAccountedFor, AreThoseThatWereCommittedAndAreIgnoredAfterwards) {
     feature.write("new.txt", "mine\n");
     commands.after("commit", [this] { project.ignore("new.txt"); });
