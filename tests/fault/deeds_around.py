@@ -100,7 +100,8 @@ def replace_git_directory(world, run):
         world.git(world.project, "worktree", "add", "--quiet", "-b", "twin", str(twin), check=False)
     content = (twin / ".git").read_bytes()
     if os.path.isdir(world.worktree):
-        before = (open(world.path(b".git"), "rb")).read()
+        with open(world.path(b".git"), "rb") as file:
+            before = file.read()
         with open(world.path(b".git"), "wb") as file:
             file.write(content)
         world.undo.append(lambda: os.path.isdir(world.worktree) and write(world, b".git", before))

@@ -19,9 +19,11 @@ def look(world):
 
 
 def repositories(world):
-    """The project first, then the remotes, then clones."""
+    """The project first, then the remotes, then clones. A remote that is away for a while is judged once it is back."""
     found = [world.project, *world.hubs]
     for entry in sorted(os.scandir(world.base), key=lambda entry: entry.name):
+        if entry.name == "away.git":
+            continue
         has = [entry.is_dir(follow_symlinks=False) and os.path.isdir(os.path.join(entry.path, name)) for name in (".git", "refs")]
         if any(has) and entry.name != "project" and os.fsencode(entry.path) != world.worktree:
             found.append(entry.path)
