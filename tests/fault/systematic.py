@@ -171,8 +171,10 @@ def support_is_read_only(world):
 
 
 def vault_is_read_only(world):
-    (world.support / "Recovery").mkdir(parents=True)
-    return world.support / "Recovery", 0o500
+    vault = world.support / "Recovery"
+    vault.mkdir(parents=True)
+    vault.chmod(0o700)  # as the program makes it
+    return vault, 0o500
 
 
 def data_home_is_read_only(world):
