@@ -2,6 +2,7 @@
 
 import json
 import os
+import signal
 import subprocess
 
 import dbus
@@ -131,6 +132,17 @@ class Preferences(UITestCase):
         self.type_into(app, name, "3", end=None)
         app.key("ctrl+2")
         self.wait_setting(app, "growthAbsoluteBytes", 3221225472)
+
+    def test_keeps_what_was_changed_right_before_the_end(self):
+        name = "Alert when a folder grows by"
+        ends = {"ctrl+q": lambda app: app.key("ctrl+q"), "a signal": lambda app: app.terminate(signal.SIGTERM)}
+        for number, (title, end) in enumerate(ends.items(), start=11):
+            with self.subTest(end=title):
+                app = self.start()
+                self.type_into(app, name, str(number), end=None)
+                end(app)
+                self.assertEqual(app.wait_ended(), 0, app.log_text())
+                self.assertEqual(self.setting("growthAbsoluteBytes"), number * 2**30)
 
     def test_switches_monitoring(self):
         app = self.start()
